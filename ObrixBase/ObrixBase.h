@@ -1,0 +1,38 @@
+/* ObrixBase: every public header of the library. The C interface comes first and is valid
+   C11 on its own; the class interface follows for C++ callers. Keep this list current: a
+   public header that is missing here is missing for the library's users. */
+#ifndef OBRIX_OBRIXBASE_H
+#define OBRIX_OBRIXBASE_H
+
+#include "ObrixBase/ObrixExport.h"
+
+/* ---- C interface: memory accounting ---- */
+#include "ObrixBase/memory/ma_memory_manager.h"
+
+/* ---- C interface: diagnostics ---- */
+
+/* ---- C interface: structure framework and registration ---- */
+
+/* ---- C interface: containers (lists, AVL tree, arrays, pools, strings) ---- */
+
+/* ---- C interface: item lists ---- */
+
+/* ---- C interface: application state and undo groups ---- */
+
+#ifdef __cplusplus
+
+/* ---- geometry ---- */
+
+/* ---- numerics: storage, vectors, matrices ---- */
+
+/* ---- numerics: factorisations ---- */
+
+/* ---- tuple and sparse containers ---- */
+
+/* ---- application state ---- */
+
+/* ---- undo ---- */
+
+#endif /* __cplusplus */
+
+#endif

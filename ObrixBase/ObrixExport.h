@@ -1,0 +1,25 @@
+/* Export macro of libObrixBase, valid in C and C++. Only declarations that carry OBRIX_API
+   are visible outside the shared library. */
+#ifndef OBRIX_OBRIXEXPORT_H
+#define OBRIX_OBRIXEXPORT_H
+
+#if defined(_WIN32)
+#if defined(OBRIX_BUILDING)
+#define OBRIX_API __declspec(dllexport)
+#else
+#define OBRIX_API __declspec(dllimport)
+#endif
+#else
+#define OBRIX_API __attribute__((visibility("default")))
+#endif
+
+/* Opens and closes C linkage in the C-interface headers. */
+#ifdef __cplusplus
+#define OBRIX_EXTERN_C_BEGIN extern "C" {
+#define OBRIX_EXTERN_C_END }
+#else
+#define OBRIX_EXTERN_C_BEGIN
+#define OBRIX_EXTERN_C_END
+#endif
+
+#endif

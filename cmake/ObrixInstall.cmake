@@ -1,0 +1,35 @@
+# Install rules, the CMake package (find_package(ObrixBase) -> ObrixBase::ObrixBase)
+# and the pkg-config file.
+include(CMakePackageConfigHelpers)
+
+install(TARGETS Base ObrixBase EXPORT ObrixBaseTargets
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+        INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+
+# Public headers keep their repository paths; *_internal.h stay private.
+foreach(tree Base ObrixBase)
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/${tree} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+          FILES_MATCHING PATTERN "*.h"
+          PATTERN "*_internal.h" EXCLUDE)
+endforeach()
+
+install(EXPORT ObrixBaseTargets NAMESPACE ObrixBase::
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/ObrixBase)
+configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/ObrixBaseConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/ObrixBaseConfig.cmake
+  INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/ObrixBase)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/ObrixBaseConfigVersion.cmake
+  COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/ObrixBaseConfig.cmake
+              ${PROJECT_BINARY_DIR}/ObrixBaseConfigVersion.cmake
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/ObrixBase)
+
+# The .pc file finds its prefix from its own place, so an installed tree can be moved.
+file(RELATIVE_PATH OBRIX_PC_TO_PREFIX "/prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/prefix")
+string(REGEX REPLACE "/$" "" OBRIX_PC_TO_PREFIX "${OBRIX_PC_TO_PREFIX}")
+configure_file(${PROJECT_SOURCE_DIR}/cmake/obrixbase.pc.in
+               ${PROJECT_BINARY_DIR}/obrixbase.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/obrixbase.pc
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,0 +1,15 @@
+// The tour's chapters, one per subsystem; main runs them in order.
+#ifndef OBRIX_EXAMPLES_TOUR_TOUR_H
+#define OBRIX_EXAMPLES_TOUR_TOUR_H
+
+void tourDiagnostics();    // status texts, structures, registration tables
+void tourContainers();     // intrusive lists, AVL trees
+void tourGeometry();       // points, matrices, rotations about a pivot
+void tourNumerics();       // vectors, slices, matrices
+void tourFactorisations(); // least-squares fit
+void tourUndo();           // undo commands and redraw requests
+
+/// Prints a chapter heading.
+void tourHeading(const char* title);
+
+#endif

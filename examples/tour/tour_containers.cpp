@@ -1,0 +1,4 @@
+#include "examples/tour/tour.h"
+
+void tourContainers() {
+}

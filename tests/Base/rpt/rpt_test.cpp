@@ -1,0 +1,72 @@
+#include "Base/rpt/rpt.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/ReportCapture.h"
+
+using obrix::test::Report;
+using obrix::test::ReportCapture;
+
+TEST(Rpt, EveryReportReachesTheInstalledSinkWithItsLevelAndFormattedText) {
+    ReportCapture capture;
+    rptError("error %d", 1);
+    rptUser("user %s", "u");
+    rptStatus("status %.1f", 2.5);
+    rptConfirmOK("confirm");
+    rptDebug(0, "debug %c", 'x');
+    std::vector<Report> expected{{rptLevelError, "error 1"},
+                                 {rptLevelUser, "user u"},
+                                 {rptLevelStatus, "status 2.5"},
+                                 {rptLevelConfirm, "confirm"},
+                                 {rptLevelDebug, "debug x"}};
+    EXPECT_EQ(capture.reports(), expected);
+}
+
+namespace {
+void vErrorHelper(const char* format, ...) {
+    va_list args;
+    va_start(args, format);
+    rptVError(format, args);
+    va_end(args);
+}
+} // namespace
+
+TEST(Rpt, VErrorFormatsItsArgumentListAndLongTextsAreNotCut) {
+    ReportCapture capture;
+    std::string longText(5000, 'a');
+    vErrorHelper("%s-%d", longText.c_str(), 7);
+    ASSERT_EQ(capture.reports().size(), 1u);
+    EXPECT_EQ(capture.reports()[0].text, longText + "-7");
+}
+
+TEST(Rpt, DebugReportsAboveTheVerbosityAreDropped) {
+    ReportCapture capture;
+    rptDebug(1, "hidden");
+    rptSetDebugLevel(2);
+    rptDebug(2, "shown");
+    rptSetDebugLevel(0);
+    EXPECT_EQ(capture.texts(), std::vector<std::string>{"shown"});
+}
+
+TEST(Rpt, SetSinkReturnsThePreviousSinkAndNullRestoresTheDefault) {
+    static int calls = 0;
+    ReportSink mine = [](int, const char*) { ++calls; };
+    ReportSink before = rptSetSink(mine);
+    EXPECT_EQ(before, nullptr) << "the default sink is reported as null";
+    rptError("x");
+    EXPECT_EQ(rptSetSink(nullptr), mine);
+    EXPECT_EQ(calls, 1);
+    testing::internal::CaptureStderr();
+    rptError("to stderr");
+    rptError("kept\n");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "to stderr\nkept\n");
+}
+
+TEST(Rpt, DebugCodesSwitchOnAndOff) {
+    EXPECT_FALSE(rptDebugCodeIsSet(800));
+    rptSetDebugCode(800, true);
+    EXPECT_TRUE(rptDebugCodeIsSet(800));
+    EXPECT_FALSE(rptDebugCodeIsSet(801));
+    rptSetDebugCode(800, false);
+    EXPECT_FALSE(rptDebugCodeIsSet(800));
+}
