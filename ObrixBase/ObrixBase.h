@@ -10,6 +10,7 @@
 #include "ObrixBase/memory/ma_memory_manager.h"
 
 /* ---- C interface: diagnostics ---- */
+#include "ObrixBase/util/aa_debug.h"
 
 /* ---- C interface: structure framework and registration ---- */
 
