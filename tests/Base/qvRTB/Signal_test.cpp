@@ -1,0 +1,64 @@
+#include "Base/qvRTB/Signal.h"
+
+#include <optional>
+#include <string>
+
+#include <gtest/gtest.h>
+
+TEST(Signal, CallsConnectedFunctionsInConnectionOrderWithTheSentArguments) {
+    qvRTB::Signal<int, const std::string&> signal;
+    std::string log;
+    signal.connect([&](int n, const std::string& s) { log += "a" + std::to_string(n) + s; });
+    qvRTB::Connection second =
+        signal.connect([&](int n, const std::string& s) { log += "b" + std::to_string(n) + s; });
+    signal.send(1, "x");
+    signal(2, "y");
+    EXPECT_EQ(log, "a1xb1xa2yb2y");
+
+    second.disconnect();
+    log.clear();
+    signal.send(3, "z");
+    EXPECT_EQ(log, "a3z");
+    signal.disconnectAll();
+    EXPECT_EQ(signal.numConnections(), 0u);
+}
+
+TEST(Signal, AClientsDeathCutsItsConnectionsAndOnlyThose) {
+    qvRTB::SignalVoid signal;
+    int kept = 0, cut = 0;
+    std::optional<qvRTB::SignalClient> client(std::in_place);
+    signal.connect([&] { ++kept; });
+    qvRTB::Connection connection = signal.connect(*client, [&] { ++cut; });
+    signal.send();
+    EXPECT_EQ(signal.numConnections(), 2u);
+
+    client.reset();
+    signal.send();
+    EXPECT_EQ(kept, 2);
+    EXPECT_EQ(cut, 1);
+    EXPECT_FALSE(connection.connected());
+    EXPECT_EQ(signal.numConnections(), 1u);
+}
+
+TEST(Signal, ACopiedClientHasItsOwnConnectionsAndDisconnectAllStartsAfresh) {
+    qvRTB::SignalVoid signal;
+    int original = 0, copied = 0;
+    qvRTB::SignalClient client;
+    signal.connect(client, [&] { ++original; });
+    {
+        qvRTB::SignalClient copy(client);
+        signal.connect(copy, [&] { ++copied; });
+        copy = client; // assignment takes nothing over either
+        signal.send();
+    }
+    signal.send(); // the copy died; the original's connection stands
+    EXPECT_EQ(original, 2);
+    EXPECT_EQ(copied, 1);
+
+    client.disconnectAll();
+    signal.send();
+    EXPECT_EQ(original, 2);
+    signal.connect(client, [&] { ++original; });
+    signal.send();
+    EXPECT_EQ(original, 3);
+}
