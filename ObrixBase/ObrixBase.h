@@ -19,6 +19,11 @@
 /* ---- C interface: item lists ---- */
 
 /* ---- C interface: application state and undo groups ---- */
+#include "ObrixBase/state/rtb_init.h"
+#include "ObrixBase/state/redraw.h"
+#include "ObrixBase/state/tolerances.h"
+#include "ObrixBase/state/vesko_behaviour.h"
+#include "ObrixBase/undo/vk_undo.h"
 
 #ifdef __cplusplus
 
@@ -31,8 +36,12 @@
 /* ---- tuple and sparse containers ---- */
 
 /* ---- application state ---- */
+#include "ObrixBase/state/VeskoBehaviour.h"
 
 /* ---- undo ---- */
+#include "Base/qvUndo/Undo.h"
+#include "ObrixBase/undo/UndoCommand.h"
+#include "ObrixBase/undo/StatefulUndoCmd.h"
 
 #endif /* __cplusplus */
 
