@@ -6,8 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/ReportCapture.h"
-
 namespace {
 
 int liveCommands = 0;
@@ -128,78 +126,37 @@ TEST(UndoManager, RecordingIsRefusedWithoutGroupIntoUndoneGroupsAndDuringReplay)
     EXPECT_EQ(r->seen, (std::vector<int>{qvUndo::ErrorBusy, 1, qvUndo::ErrorBusy}));
 }
 
-TEST(UndoManager, CreationDisablingNestsAndIsAnnouncedPerCall) {
+TEST(UndoManager, CreationDisablingNestsUntilEveryDisableIsMatched) {
     qvUndo::Manager m;
-    std::vector<bool> sent;
-    m.creationDisabled.connect([&](bool d) { sent.push_back(d); });
     m.disableCreation(true);
     m.disableCreation(true);
+    m.disableCreation(false);
     EXPECT_EQ(m.openGroup("g", false), nullptr);
     m.disableCreation(false);
-    EXPECT_TRUE(m.isCreationDisabled());
-    m.disableCreation(false);
-    EXPECT_NE(m.openGroup("g", true), nullptr);
-    EXPECT_TRUE(m.getGroup(-1)->isMarked());
-
-    std::string log;
-    recordGroup(m, "h", "a", log);
-    sent.clear();
-    ASSERT_TRUE(m.undo().isOk());
-    EXPECT_EQ(sent, (std::vector<bool>{true, false})); // replay disables creation
+    EXPECT_NE(m.openGroup("g", false), nullptr);
 }
 
-TEST(UndoManager, HistoryLimitsTrimTheOldestDoneGroupsButNeverTheNewest) {
+TEST(UndoManager, TrimmingTakesTheOldestDoneGroupsButNeverTheNewestOrAnUndoneOne) {
     std::string log;
     std::vector<std::string> deleted;
     qvUndo::Manager m;
     deletedNames(m, deleted);
-    m.setMaxGroups(2);
-    recordGroup(m, "1", "a", log);
-    recordGroup(m, "2", "b", log);
-    recordGroup(m, "3", "c", log);
+    for (const char* name : {"1", "2", "3"})
+        recordGroup(m, name, "a", log); // 100 bytes each
+    m.setMaxBytes(250);
     EXPECT_EQ(deleted, std::vector<std::string>{"1"});
     EXPECT_EQ(m.getNumBytesUsed(), 200u);
-
-    // By bytes: each group holds 100; a limit of 250 keeps two, a limit of 50 keeps only the
-    // newest, however large it is.
-    m.setMaxGroups(0);
-    recordGroup(m, "4", "d", log);
-    EXPECT_EQ(m.getNumGroups(), 3);
-    m.setMaxBytes(250);
-    EXPECT_EQ(deleted, (std::vector<std::string>{"1", "2"}));
-    qvUndo::Group* big = recordGroup(m, "5", "hi", log, 1000);
+    qvUndo::Group* big = recordGroup(m, "big", "hi", log, 1000);
     EXPECT_EQ(m.getNumGroups(), 1);
     EXPECT_EQ(m.getGroup(0), big);
-    EXPECT_EQ(m.getNumBytesUsed(), 2000u);
     EXPECT_EQ(liveCommands, 2);
 
-    // Undone groups are not trimmed: redo must find them.
     m.setMaxBytes(0);
-    recordGroup(m, "6", "g", log, 10);
+    recordGroup(m, "small", "g", log, 10);
     ASSERT_TRUE(m.undo().isOk());
     ASSERT_TRUE(m.undo().isOk());
     m.setMaxGroups(1);
-    EXPECT_EQ(m.getNumGroups(), 2);
-    EXPECT_TRUE(m.redo().isOk());
-    EXPECT_EQ(m.getNumGroups(), 2); // trimming waits for the next recording
-}
-
-TEST(UndoManager, GroupsKeepDeclaredObjectsOnceAndDropLastGroupAnnouncesIt) {
-    std::vector<std::string> deleted;
-    qvUndo::Manager m;
-    deletedNames(m, deleted);
-    qvUndo::Group* g = m.openGroup("g", false);
-    int a = 0, b = 0;
-    g->declare(&a);
-    g->declare(nullptr);
-    g->declare(&b);
-    g->declare(&a);
-    EXPECT_EQ(g->getDeclared(), (std::vector<const void*>{&a, &b}));
-    EXPECT_FALSE(g->isDeclared(&m));
-    m.dropLastGroup();
-    m.dropLastGroup();
-    EXPECT_EQ(deleted, std::vector<std::string>{"g"});
-    EXPECT_EQ(m.getNumGroups(), 0);
+    EXPECT_EQ(m.getNumGroups(), 2); // redo must still find both
 }
 
 TEST(UndoManager, InstallingAManagerDeletesThePreviousOneWithItsGroups) {
@@ -219,11 +176,4 @@ TEST(UndoManager, InstallingAManagerDeletesThePreviousOneWithItsGroups) {
     qvUndo::installManager(nullptr);
     EXPECT_EQ(qvUndo::getInstalledManager(), nullptr);
     EXPECT_EQ(liveCommands, 0);
-}
-
-TEST(UndoManager, ReportsGoToTheSinkAsDebugReports) {
-    obrix::test::ReportCapture capture;
-    qvUndoReport("UNSAFE call %s\n", "move");
-    ASSERT_EQ(capture.reports().size(), 1u);
-    EXPECT_EQ(capture.reports()[0], (obrix::test::Report{rptLevelDebug, "UNSAFE call move\n"}));
 }

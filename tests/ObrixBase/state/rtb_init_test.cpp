@@ -35,55 +35,29 @@ std::string dispatch() {
 
 } // namespace
 
+// One stub per kind of answer: every stub is made by the same table row.
 TEST(LateBoundHooks, UnsetHooksDoNothingAndAnswerZeroFalseOrNull) {
     rtbInit_createItermats(nullptr);
-    rtbInit_AllocHanger(nullptr);
     rtbInit_InsertHanger(nullptr);
-    rtbInit_GetNewPolysetDefaultNormalsDisplay(nullptr);
     rtbInit_GetNewPolysetDefaultVertDisplay(nullptr);
-    rtbInit_copyRenderInfo(nullptr);
-    rtbInit_getName(nullptr);
-    rtbInit_getNext(nullptr);
-    rtbInit_getPSColoured(nullptr);
-    rtbInit_getShaderList(nullptr);
     rtbInit_Ar_expand_pixname(nullptr);
-    rtbInit_freeBranchItermats(nullptr);
     rtbInit_PolysetVertexCopy(nullptr);
-
-    Dag_node* node = fake<Dag_node>(1);
-    EXPECT_EQ(create_itermats(node), 0);
-    EXPECT_EQ(alloc_hanger(), nullptr);
-    EXPECT_EQ(insert_hanger(nullptr, 1, 2, node), nullptr);
-    EXPECT_FALSE(get_NewPolyset_defaultNormalsDisplay());
+    EXPECT_EQ(create_itermats(fake<Dag_node>(1)), 0);
+    EXPECT_EQ(insert_hanger(nullptr, 1, 2, nullptr), nullptr);
     EXPECT_FALSE(get_NewPolyset_defaultVertDisplay());
-    EXPECT_EQ(RI_copyRenderInfo(node, nullptr), nullptr);
-    EXPECT_EQ(RI_getName(nullptr), nullptr);
-    EXPECT_EQ(RI_getNext(nullptr), nullptr);
-    EXPECT_EQ(RI_getPSColoured(nullptr), 0);
-    EXPECT_EQ(RI_getShaderList(nullptr), nullptr);
     EXPECT_EQ(Ar_expand_pixname("pix", 3), nullptr);
-    free_branch_itermats(node, 1, 2);
     Ps_interactiveVertexCopyHack(*fake<PS_Vertex>(1), *fake<PS_Vertex>(2));
+    EXPECT_EQ(RI_getShaderList(nullptr), nullptr); // never registered in this process
 }
 
 TEST(LateBoundHooks, StubsForwardEveryArgumentInOrderAndTheLatestRegistrationWins) {
+    rtbInit_InsertHanger([](Hanger*, int, int, void*) -> Hanger* { return nullptr; });
     rtbInit_InsertHanger([](Hanger* list, int a, int b, void* data) {
         calls = std::to_string(a) + "," + std::to_string(b);
         return data == list ? list : nullptr;
     });
-    calls.clear();
     EXPECT_EQ(insert_hanger(fake<Hanger>(2), 3, 4, fake<Hanger>(2)), fake<Hanger>(2));
     EXPECT_EQ(calls, "3,4");
-
-    rtbInit_freeBranchItermats(
-        [](Dag_node* n, int a, int b) { calls = std::to_string(a * 10 + b) + (n ? "n" : ""); });
-    free_branch_itermats(fake<Dag_node>(1), 1, 2);
-    EXPECT_EQ(calls, "12n");
-
-    rtbInit_Ar_expand_pixname([](const char*, int) -> char* { return nullptr; });
-    rtbInit_Ar_expand_pixname([](const char* name, int frame) { return const_cast<char*>(name); });
-    char pix[] = "pix";
-    EXPECT_EQ(Ar_expand_pixname(pix, 1), pix);
 
     rtbInit_PolysetVertexCopy([](PS_Vertex& from, PS_Vertex& to) {
         calls = &from == fake<PS_Vertex>(1) && &to == fake<PS_Vertex>(2) ? "ordered" : "swapped";
@@ -94,15 +68,10 @@ TEST(LateBoundHooks, StubsForwardEveryArgumentInOrderAndTheLatestRegistrationWin
     rtbInit_showLightInShaderList([](AR_LightInfo*, bool show) { calls = show ? "on" : "off"; });
     RI_showLightInShaderList(nullptr, true);
     EXPECT_EQ(calls, "on");
-    rtbInit_GetNewPolysetDefaultVertDisplay([] { return true; });
-    EXPECT_TRUE(get_NewPolyset_defaultVertDisplay());
 
     rtbInit_InsertHanger(nullptr);
-    rtbInit_freeBranchItermats(nullptr);
-    rtbInit_Ar_expand_pixname(nullptr);
     rtbInit_PolysetVertexCopy(nullptr);
     rtbInit_showLightInShaderList(nullptr);
-    rtbInit_GetNewPolysetDefaultVertDisplay(nullptr);
 }
 
 TEST(CursorProcedures, TheDispatcherCallsThePrimaryThenTheListWithoutAdjacentRepeats) {

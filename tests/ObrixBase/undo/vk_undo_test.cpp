@@ -42,7 +42,8 @@ TEST_F(UndoGroups, PopDropsOnlyTheManagersNewestGroupAndOnlyWhenEmptyAndAsked) {
     auto* command = new NoOp(VK_undo_get_group(), "c");
     int object = 0;
     command->declare(&object);
-    EXPECT_TRUE(VK_undo_get_group()->isDeclared(&object));
+    command->declare(&object);
+    EXPECT_EQ(VK_undo_get_group()->getDeclared(), std::vector<const void*>{&object});
     ASSERT_TRUE(command->doIt().isOk());
     VK_undo_pop_group(true);
     EXPECT_EQ(manager().getNumGroups(), 2);
