@@ -146,7 +146,9 @@ qvUtil::Error Manager::replay(bool forward) {
 }
 
 void Manager::disableCreation(bool disable) {
-    disabled_ += disable ? 1 : -1;
+    // An unmatched enable is not counted below zero, so that it cannot swallow a later
+    // disable; it is still announced, for listeners that keep their own stack.
+    disabled_ = std::max(0, disabled_ + (disable ? 1 : -1));
     creationDisabled.send(disable);
 }
 

@@ -68,8 +68,8 @@ public:
     const qvString::CString& getName() const noexcept { return name_; }
 
 private:
-    // Connections from recorded commands go through this client, so they are cut when the
-    // object dies. Declared first, it is destroyed last.
+    // Recorded commands reach this object through connections made via this client, so the
+    // history cannot call into an object that has died.
     qvRTB::SignalClient client_;
 
 public:
