@@ -14,67 +14,100 @@ int T4dDblMatrix::equivalent(const T4dDblMatrix& m, double tol) const noexcept {
     return 1;
 }
 
+namespace {
+
+// The inversion works on four rows of eight doubles, reached through row pointers so that a
+// pivot swap exchanges two pointers instead of the rows' contents. Columns 0..3 hold the matrix
+// being reduced. Columns 4..7 hold the accumulator that starts as the identity, stored
+// compactly: after the row swaps the accumulator's nonzero columns are exactly the rows'
+// original positions, so column 4 + j holds the accumulator column of the row that became pivot
+// j. Below the diagonal that is the negated multipliers, on it the implicit 1, above it 0: the
+// updates skipped are those of exact zeros and leave every other element as the full update
+// would. The columns are put back in their original order when the result is written out.
+using Rows = double* [4];
+
+// Forward elimination of column K. K is a template argument so every loop has a fixed trip
+// count and unrolls into straight-line code.
+template <int K>
+inline void eliminateColumn(Rows& row, double (&inv)[4]) noexcept {
+    // The pivot is the row with the largest square in column K; a later row wins only when
+    // strictly larger, so ties keep the upper row.
+    int p = K;
+    double* pivot = row[K];
+    double best = pivot[K] * pivot[K];
+    for (int i = K + 1; i < 4; ++i) {
+        const double sq = row[i][K] * row[i][K];
+        if (sq > best) {
+            best = sq;
+            p = i;
+            pivot = row[i];
+        }
+    }
+    for (int i = K + 1; i < 4; ++i)
+        row[i] = p == i ? row[K] : row[i];
+    row[K] = pivot;
+
+    // The pivot row keeps its pivot from here on; its reciprocal serves the multipliers below
+    // and the scaling to a unit diagonal afterwards.
+    inv[K] = 1.0 / pivot[K];
+    for (int i = K + 1; i < 4; ++i) {
+        double* const r = row[i];
+        const double f = r[K] * inv[K];
+        for (int j = K + 1; j < 4; ++j)
+            r[j] -= f * pivot[j];
+        for (int j = 0; j < K; ++j)
+            r[4 + j] -= f * pivot[4 + j];
+        r[4 + K] = -f; // 0 − f times the pivot row's implicit 1
+    }
+}
+
+} // namespace
+
 T4dDblMatrix& T4dDblMatrix::invertIt() noexcept {
-    // Gauss-Jordan elimination on the augmented block [A | I]: every row operation on the
-    // matrix (columns 0..3) is applied to the accumulator (columns 4..7) in the same sweep.
-    // Elements of A below the diagonal are never read again once eliminated, so only the
-    // columns right of the pivot are updated; the accumulator is always updated whole, so a
-    // singular matrix spreads its infinities and NaNs into the result instead of hiding them.
+    // Gauss-Jordan elimination with partial pivoting: forward elimination, scaling to a unit
+    // diagonal, back substitution; every row operation on the matrix is applied to the
+    // accumulator, which ends as the inverse. There is no singularity test: a zero pivot
+    // gives an infinite reciprocal and the infinities and NaNs spread into the result.
     double a[4][8];
     for (int i = 0; i < 4; ++i)
-        for (int j = 0; j < 4; ++j) {
-            a[i][j] = m_[i][j];
-            a[i][j + 4] = i == j ? 1.0 : 0.0;
-        }
-
-    for (int k = 0; k < 3; ++k) {
-        // Partial pivoting on the largest square; a later row wins only when strictly larger,
-        // so ties keep the upper row.
-        int p = k;
-        double best = a[k][k] * a[k][k];
-        for (int i = k + 1; i < 4; ++i) {
-            const double sq = a[i][k] * a[i][k];
-            if (sq > best) {
-                best = sq;
-                p = i;
-            }
-        }
-        if (p != k)
-            for (int j = 0; j < 8; ++j) {
-                const double t = a[k][j];
-                a[k][j] = a[p][j];
-                a[p][j] = t;
-            }
-        for (int i = k + 1; i < 4; ++i) {
-            const double f = a[i][k] / a[k][k];
-            for (int j = k + 1; j < 8; ++j)
-                a[i][j] -= f * a[k][j];
-            a[i][k] = 0.0;
-        }
-    }
-
-    // Unit diagonal: a true division, rounded once, rather than a multiplication by the
-    // reciprocal, which rounds twice.
-    for (int r = 0; r < 4; ++r) {
-        const double d = a[r][r];
-        for (int j = r + 1; j < 8; ++j)
-            a[r][j] /= d;
-        a[r][r] = 1.0;
-    }
-
-    // Back substitution from the top row down: each row clears its elements left to right
-    // with the unit-diagonal rows below it.
-    for (int r = 0; r < 3; ++r)
-        for (int c = r + 1; c < 4; ++c) {
-            const double f = a[r][c];
-            for (int j = c + 1; j < 8; ++j)
-                a[r][j] -= f * a[c][j];
-            a[r][c] = 0.0;
-        }
-
-    for (int i = 0; i < 4; ++i)
         for (int j = 0; j < 4; ++j)
-            m_[i][j] = a[i][j + 4];
+            a[i][j] = m_[i][j];
+    Rows row = {a[0], a[1], a[2], a[3]};
+    double inv[4];
+
+    eliminateColumn<0>(row, inv);
+    eliminateColumn<1>(row, inv);
+    eliminateColumn<2>(row, inv);
+    inv[3] = 1.0 / row[3][3];
+
+    // Unit diagonal, by the pivots' reciprocals. The accumulator's implicit 1 becomes the
+    // reciprocal itself and its zeros above the diagonal are written out for what follows.
+    for (int r = 0; r < 4; ++r) {
+        double* const x = row[r];
+        for (int j = r + 1; j < 4; ++j)
+            x[j] *= inv[r];
+        for (int j = 0; j < r; ++j)
+            x[4 + j] *= inv[r];
+        x[4 + r] = inv[r];
+        for (int j = r + 1; j < 4; ++j)
+            x[4 + j] = 0.0;
+    }
+
+    // Back substitution, last column first: a row whose elements right of the diagonal are
+    // already cleared is a unit row, so clearing with it changes only the accumulator.
+    for (int c = 3; c > 0; --c)
+        for (int r = 0; r < c; ++r) {
+            const double f = row[r][c];
+            for (int j = 0; j < 4; ++j)
+                row[r][4 + j] -= f * row[c][4 + j];
+        }
+
+    // Accumulator column j belongs to the original row that became pivot j.
+    for (int j = 0; j < 4; ++j) {
+        const auto original = (row[j] - a[0]) / 8;
+        for (int i = 0; i < 4; ++i)
+            m_[i][original] = row[i][4 + j];
+    }
     return *this;
 }
 
