@@ -139,6 +139,26 @@ void BM_Eigen_Invert(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * kMatrices);
 }
 
+// One inversion feeding the next, as in code that inverts one transform at a time: latency
+// rather than throughput.
+void BM_Obrix_InvertChained(benchmark::State& state) {
+    T4dDblMatrix m = batch().a[0];
+    for (auto _ : state) {
+        m.invertIt();
+        benchmark::DoNotOptimize(m);
+    }
+    state.SetItemsProcessed(state.iterations());
+}
+
+void BM_Eigen_InvertChained(benchmark::State& state) {
+    Eigen::Matrix4d m = batch().ea[0];
+    for (auto _ : state) {
+        m = m.inverse().eval();
+        benchmark::DoNotOptimize(m);
+    }
+    state.SetItemsProcessed(state.iterations());
+}
+
 void BM_Obrix_TransformPoints(benchmark::State& state) {
     PointCloud& c = cloud();
     const T4dDblMatrix m = affineTransform();
@@ -233,6 +253,8 @@ BENCHMARK(BM_Obrix_MatrixProduct);
 BENCHMARK(BM_Eigen_MatrixProduct);
 BENCHMARK(BM_Obrix_Invert);
 BENCHMARK(BM_Eigen_Invert);
+BENCHMARK(BM_Obrix_InvertChained);
+BENCHMARK(BM_Eigen_InvertChained);
 BENCHMARK(BM_Obrix_TransformPoints)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_Eigen_TransformPoints)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_Eigen_TransformPointsAffine3d)->Unit(benchmark::kMillisecond);

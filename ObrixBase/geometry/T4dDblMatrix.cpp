@@ -18,46 +18,51 @@ namespace {
 
 // The inversion works on four rows of eight doubles, reached through row pointers so that a
 // pivot swap exchanges two pointers instead of the rows' contents. Columns 0..3 hold the matrix
-// being reduced. Columns 4..7 hold the accumulator that starts as the identity, stored
-// compactly: after the row swaps the accumulator's nonzero columns are exactly the rows'
-// original positions, so column 4 + j holds the accumulator column of the row that became pivot
-// j. Below the diagonal that is the negated multipliers, on it the implicit 1, above it 0: the
-// updates skipped are those of exact zeros and leave every other element as the full update
-// would. The columns are put back in their original order when the result is written out.
+// being reduced, columns 4..7 the accumulator that starts as the identity. The accumulator's
+// columns are kept in pivot order: column 4 + j belongs to the original row that became pivot
+// j. In that order it is lower triangular throughout the forward elimination (negated
+// multipliers below the diagonal, an implicit 1 on it, zeros above), so the updates of its
+// exact zeros are skipped; for finite values every other element comes out as the full update
+// would give it. The columns go back to their original order when the result is written out.
 using Rows = double* [4];
 
 // Forward elimination of column K. K is a template argument so every loop has a fixed trip
 // count and unrolls into straight-line code.
 template <int K>
-inline void eliminateColumn(Rows& row, double (&inv)[4]) noexcept {
-    // The pivot is the row with the largest square in column K; a later row wins only when
-    // strictly larger, so ties keep the upper row.
+inline void eliminateColumn(Rows& row, double (&col)[4]) noexcept {
+    // col holds column K of rows K..3 in registers, so the pivot search waits on those values
+    // only, not on the stores of the whole rows. The pivot is the row with the largest square in
+    // column K; a later row wins only when strictly larger, so ties keep the upper row.
     int p = K;
     double* pivot = row[K];
-    double best = pivot[K] * pivot[K];
+    double pivotValue = col[K];
+    double best = col[K] * col[K];
     for (int i = K + 1; i < 4; ++i) {
-        const double sq = row[i][K] * row[i][K];
+        const double sq = col[i] * col[i];
         if (sq > best) {
             best = sq;
             p = i;
             pivot = row[i];
+            pivotValue = col[i];
         }
     }
-    for (int i = K + 1; i < 4; ++i)
+    for (int i = K + 1; i < 4; ++i) {
         row[i] = p == i ? row[K] : row[i];
+        col[i] = p == i ? col[K] : col[i];
+    }
     row[K] = pivot;
 
-    // The pivot row keeps its pivot from here on; its reciprocal serves the multipliers below
-    // and the scaling to a unit diagonal afterwards.
-    inv[K] = 1.0 / pivot[K];
+    // The multipliers are true quotients, not products with a reciprocal: one rounding each.
     for (int i = K + 1; i < 4; ++i) {
         double* const r = row[i];
-        const double f = r[K] * inv[K];
+        const double f = col[i] / pivotValue;
         for (int j = K + 1; j < 4; ++j)
             r[j] -= f * pivot[j];
         for (int j = 0; j < K; ++j)
             r[4 + j] -= f * pivot[4 + j];
         r[4 + K] = -f; // 0 − f times the pivot row's implicit 1
+        if constexpr (K < 3)
+            col[i] = r[K + 1];
     }
 }
 
@@ -67,28 +72,28 @@ T4dDblMatrix& T4dDblMatrix::invertIt() noexcept {
     // Gauss-Jordan elimination with partial pivoting: forward elimination, scaling to a unit
     // diagonal, back substitution; every row operation on the matrix is applied to the
     // accumulator, which ends as the inverse. There is no singularity test: a zero pivot
-    // gives an infinite reciprocal and the infinities and NaNs spread into the result.
+    // divides by zero and the infinities and NaNs spread into the result.
     double a[4][8];
     for (int i = 0; i < 4; ++i)
         for (int j = 0; j < 4; ++j)
             a[i][j] = m_[i][j];
     Rows row = {a[0], a[1], a[2], a[3]};
-    double inv[4];
+    double col[4] = {a[0][0], a[1][0], a[2][0], a[3][0]};
 
-    eliminateColumn<0>(row, inv);
-    eliminateColumn<1>(row, inv);
-    eliminateColumn<2>(row, inv);
-    inv[3] = 1.0 / row[3][3];
+    eliminateColumn<0>(row, col);
+    eliminateColumn<1>(row, col);
+    eliminateColumn<2>(row, col);
 
-    // Unit diagonal, by the pivots' reciprocals. The accumulator's implicit 1 becomes the
-    // reciprocal itself and its zeros above the diagonal are written out for what follows.
+    // Unit diagonal, by true divisions. The accumulator's implicit 1 becomes the reciprocal of
+    // the pivot and its zeros above the diagonal are written out for what follows.
     for (int r = 0; r < 4; ++r) {
         double* const x = row[r];
+        const double d = x[r];
         for (int j = r + 1; j < 4; ++j)
-            x[j] *= inv[r];
+            x[j] /= d;
         for (int j = 0; j < r; ++j)
-            x[4 + j] *= inv[r];
-        x[4 + r] = inv[r];
+            x[4 + j] /= d;
+        x[4 + r] = 1.0 / d;
         for (int j = r + 1; j < 4; ++j)
             x[4 + j] = 0.0;
     }
