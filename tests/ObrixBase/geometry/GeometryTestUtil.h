@@ -1,4 +1,4 @@
-// Random geometry for the geometry tests: a seeded generator so every run sees the same cases.
+// Seeded random geometry for the geometry tests, so every run sees the same cases.
 #ifndef OBRIX_TESTS_GEOMETRY_GEOMETRYTESTUTIL_H
 #define OBRIX_TESTS_GEOMETRY_GEOMETRYTESTUTIL_H
 
@@ -11,34 +11,26 @@ namespace obrix::test {
 
 class GeometryRandom {
 public:
-    explicit GeometryRandom(unsigned seed = 12345) : gen_(seed) {}
-
     double uniform(double lo, double hi) { return std::uniform_real_distribution<>(lo, hi)(gen_); }
-
     T4dDblVector vector(double r = 10.0) {
         return T4dDblVector(uniform(-r, r), uniform(-r, r), uniform(-r, r));
     }
-
     T4dDblVector unitVector() {
         T4dDblVector v;
-        do
+        while (v.length() < 0.1)
             v = vector(1.0);
-        while (v.length() < 0.1);
         return v.getNormal();
     }
-
-    /// Sixteen uniform elements in [-10, 10]: regular with probability one, and well enough
-    /// conditioned for the residual bounds used here.
+    /// Elements uniform in [-10, 10]: regular, and conditioned well enough for 1e-9 residuals.
     T4dDblMatrix matrix() {
         T4dDblMatrix m;
-        for (int i = 0; i < 4; ++i)
-            for (int j = 0; j < 4; ++j)
-                m(i, j) = uniform(-10.0, 10.0);
+        for (short i = 0; i < 16; ++i)
+            m(i / 4, i % 4) = uniform(-10.0, 10.0);
         return m;
     }
 
 private:
-    std::mt19937 gen_;
+    std::mt19937 gen_{12345};
 };
 
 } // namespace obrix::test

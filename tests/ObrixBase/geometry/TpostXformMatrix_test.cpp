@@ -77,16 +77,11 @@ TEST(TpostXformMatrix, OnlyComponentChangesMarkTheMatrixStale) {
     EXPECT_EQ(x.inverse(), T4dDblMatrix(T4dDblVector(-1, -2, -3)));
     EXPECT_FALSE(x.isDirty());
     EXPECT_TRUE(copy.isDirty());
-    for (int change = 0; change < 4; ++change) {
-        TpostXformMatrix c;
-        if (change == 0)
-            c += T4dDblVector(1, 0, 0);
-        else if (change == 1)
-            c += TunitQuaternion();
-        else if (change == 2)
-            c += Tscale(1, 1, 1);
-        else
-            c = Tscale(2, 1, 1);
-        EXPECT_TRUE(c.isDirty()) << change;
-    }
+    TpostXformMatrix c;
+    c.inverse();
+    c += TunitQuaternion();
+    EXPECT_TRUE(c.isDirty());
+    c.inverse();
+    c += Tscale(1, 1, 1);
+    EXPECT_TRUE(c.isDirty());
 }
