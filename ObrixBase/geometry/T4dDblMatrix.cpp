@@ -107,12 +107,15 @@ T4dDblMatrix& T4dDblMatrix::invertIt() noexcept {
                 row[r][4 + j] -= f * row[c][4 + j];
         }
 
-    // Accumulator column j belongs to the original row that became pivot j.
-    for (int j = 0; j < 4; ++j) {
-        const auto original = (row[j] - a[0]) / 8;
-        for (int i = 0; i < 4; ++i)
-            m_[i][original] = row[i][4 + j];
-    }
+    // Accumulator column j belongs to the original row that became pivot j. The result is
+    // gathered from those columns and stored row by row: whole-row stores let a following read
+    // of the matrix take its data straight from the store buffer.
+    int column[4];
+    for (int j = 0; j < 4; ++j)
+        column[(row[j] - a[0]) / 8] = 4 + j;
+    for (int i = 0; i < 4; ++i)
+        for (int c = 0; c < 4; ++c)
+            m_[i][c] = row[i][column[c]];
     return *this;
 }
 
