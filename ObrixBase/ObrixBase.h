@@ -30,6 +30,16 @@
 #ifdef __cplusplus
 
 /* ---- geometry ---- */
+#include "ObrixBase/geometry/Taxis.h"
+#include "ObrixBase/geometry/Tangle.h"
+#include "ObrixBase/geometry/T4dDblMatrix.h"
+#include "ObrixBase/geometry/TunitQuaternion.h"
+#include "ObrixBase/geometry/T4dDblVector.h"
+#include "ObrixBase/geometry/T3dDblPoint.h"
+#include "ObrixBase/geometry/T4dDblPoint.h"
+#include "ObrixBase/geometry/Tscale.h"
+#include "ObrixBase/geometry/TpostXformMatrix.h"
+#include "ObrixBase/geometry/Tplane.h"
 
 /* ---- numerics: storage, vectors, matrices ---- */
 

@@ -1,0 +1,124 @@
+#include "ObrixBase/geometry/T4dDblMatrix.h"
+
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <numbers>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "ObrixBase/geometry/T4dDblPoint.h"
+#include "ObrixBase/geometry/T4dDblVector.h"
+#include "tests/ObrixBase/geometry/GeometryTestUtil.h"
+
+namespace {
+
+T4dDblMatrix naiveProduct(const T4dDblMatrix& a, const T4dDblMatrix& b) {
+    T4dDblMatrix r;
+    for (short i = 0; i < 4; ++i)
+        for (short j = 0; j < 4; ++j) {
+            r(i, j) = 0.0;
+            for (short k = 0; k < 4; ++k)
+                r(i, j) += a(i, k) * b(k, j);
+        }
+    return r;
+}
+
+std::string printed(const T4dDblMatrix& m) {
+    std::FILE* f = std::tmpfile();
+    m.print(f);
+    std::string text(static_cast<size_t>(std::ftell(f)), '\0');
+    std::rewind(f);
+    text.resize(std::fread(text.data(), 1, text.size(), f));
+    std::fclose(f);
+    return text;
+}
+
+} // namespace
+
+TEST(T4dDblMatrix, DefaultIsTheIdentityAndPrintsRowByRow) {
+    EXPECT_EQ(T4dDblMatrix(), T4dDblMatrix::identity);
+    EXPECT_EQ(printed(T4dDblMatrix()), "1 0 0 0\n0 1 0 0\n0 0 1 0\n0 0 0 1\n");
+    const T4dDblMatrix m(1.5, -2, 1e-7, 0, 0, 1, 0, 0, 0, 0, 1, 0, 123456789, 0, 0, 1);
+    EXPECT_EQ(printed(m), "1.5 -2 1e-07 0\n0 1 0 0\n0 0 1 0\n1.23457e+08 0 0 1\n");
+    EXPECT_EQ(&m(1, 2), &m[0][0] + 6);
+}
+
+TEST(T4dDblMatrix, ProductsMatchTheDefinitionAndAreSafeInPlace) {
+    obrix::test::GeometryRandom rnd;
+    const T4dDblMatrix a = rnd.matrix(), b = rnd.matrix(), ab = a * b;
+    EXPECT_TRUE(ab.equivalent(naiveProduct(a, b), 1e-12));
+    T4dDblMatrix c = a, d = b, e = a, f = b;
+    EXPECT_EQ(c.setToProduct(c, b), ab);
+    EXPECT_EQ(d.setToProduct(a, d), ab);
+    EXPECT_EQ(e *= e, a * a);
+    EXPECT_EQ(f.premultBy(a), ab);
+    // Row vectors apply a first, then b.
+    const T4dDblPoint p(1, 2, 3, 1);
+    EXPECT_TRUE((p * ab).equivalent(p * a * b, 1e-9));
+    EXPECT_EQ(a.transpose()(1, 3), a(3, 1));
+}
+
+TEST(T4dDblMatrix, InverseOfRandomRegularMatricesIsTwoSided) {
+    obrix::test::GeometryRandom rnd;
+    for (int n = 0; n < 500; ++n) {
+        const T4dDblMatrix m = rnd.matrix(), inv = m.inverse();
+        EXPECT_TRUE((inv * m).equivalent(T4dDblMatrix::identity, 1e-9)) << n;
+        EXPECT_TRUE((m * inv).equivalent(T4dDblMatrix::identity, 1e-9)) << n;
+    }
+    EXPECT_EQ(T4dDblMatrix(T4dDblVector(1, 2, 3)).inverse(),
+              T4dDblMatrix(T4dDblVector(-1, -2, -3)));
+
+    // A zero leading pivot is swapped away.
+    const T4dDblMatrix swapped(0, 1, 0, 0, 1, 0, 0, 0, 0, 0, 2, 0, 0, 0, 0, 4);
+    EXPECT_EQ(swapped.inverse(), T4dDblMatrix(0, 1, 0, 0, 1, 0, 0, 0, 0, 0, 0.5, 0, 0, 0, 0, 0.25));
+
+    // No singularity test: a zero column comes out as infinities or NaNs, silently.
+    T4dDblMatrix singular = rnd.matrix();
+    for (short i = 0; i < 4; ++i)
+        singular(i, 0) = 0.0;
+    singular.invertIt();
+    bool nonFinite = false;
+    for (short i = 0; i < 4; ++i)
+        for (short j = 0; j < 4; ++j)
+            nonFinite = nonFinite || !std::isfinite(singular(i, j));
+    EXPECT_TRUE(nonFinite);
+}
+
+TEST(T4dDblMatrix, AxisRotationIsOrthonormalWithUnitDeterminant) {
+    obrix::test::GeometryRandom rnd;
+    for (int n = 0; n < 100; ++n) {
+        T4dDblMatrix r;
+        r.setToAxisRotate(rnd.unitVector(), rnd.uniform(-7.0, 7.0));
+        EXPECT_TRUE((r * r.transpose()).equivalent(T4dDblMatrix::identity, 1e-14));
+        EXPECT_NEAR(r.det3x3(), 1.0, 1e-14);
+    }
+    T4dDblMatrix quarter;
+    quarter.setToAxisRotate(T4dDblVector(0, 0, 1), std::numbers::pi / 2);
+    EXPECT_TRUE((T4dDblPoint(1, 0, 0, 1) * quarter).equivalent(T4dDblPoint(0, 1, 0, 1), 1e-15));
+
+    // axisRotateIt turns the row vector before the transform already there.
+    const T4dDblMatrix shift = T4dDblVector(5, 0, 0);
+    T4dDblMatrix m = shift;
+    m.axisRotateIt(T4dDblVector(0, 0, 1), std::numbers::pi / 2);
+    EXPECT_TRUE(m.equivalent(quarter * shift, 0.0));
+    m = rnd.matrix();
+    const T4dDblMatrix before = m;
+    EXPECT_EQ(std::memcmp(&m.axisRotateIt(T4dDblVector(1, 0, 0), 0.0), &before, sizeof m), 0);
+    EXPECT_EQ(T4dDblMatrix().setToAxisRotate(T4dDblVector(1, 2, 3), 0.0), T4dDblMatrix::identity);
+}
+
+TEST(T4dDblMatrix, ComparisonAndExchangeFormats) {
+    T4dDblMatrix a, b;
+    b(2, 1) = 0.25;
+    EXPECT_TRUE(a.equivalent(b, 0.25) && !a.equivalent(b, 0.2) && !a.equivalent(b, 0.0));
+    EXPECT_EQ(T4dDblMatrix(T4dDblVector(7, 8, 9)).det3x3(), 1.0);
+
+    float f[4][4];
+    const double d[4][4] = {{1, 2, 3, 4}, {5, 6, 7, 8}, {9, 10, 11, 12}, {13, 14, 15, 0.1}};
+    T4dDblMatrix m;
+    m.setFromDouble(d).copyToFloat(f);
+    EXPECT_EQ(f[1][2], 7.0f);
+    EXPECT_EQ(m.setFromFloat(f)(3, 3), static_cast<double>(0.1f));
+}
