@@ -15,6 +15,13 @@
 /* ---- C interface: structure framework and registration ---- */
 
 /* ---- C interface: containers (lists, AVL tree, arrays, pools, strings) ---- */
+#include "ObrixBase/util/vk_ll.h"
+#include "ObrixBase/util/vk_list.h"
+#include "ObrixBase/util/vk_avl.h"
+#include "ObrixBase/util/vk_array.h"
+#include "ObrixBase/util/vk_bitfield.h"
+#include "ObrixBase/util/vk_pool.h"
+#include "ObrixBase/util/vk_string.h"
 
 /* ---- C interface: item lists ---- */
 
