@@ -13,6 +13,8 @@
 #include "ObrixBase/util/aa_debug.h"
 
 /* ---- C interface: structure framework and registration ---- */
+#include "ObrixBase/util/DS/ds_structures.h"
+#include "ObrixBase/util/DS/vk_register.h"
 
 /* ---- C interface: containers (lists, AVL tree, arrays, pools, strings) ---- */
 #include "ObrixBase/util/vk_ll.h"
