@@ -26,6 +26,7 @@
 #include "ObrixBase/util/vk_string.h"
 
 /* ---- C interface: item lists ---- */
+#include "ObrixBase/anim/an_anim_list.h"
 
 /* ---- C interface: application state and undo groups ---- */
 
