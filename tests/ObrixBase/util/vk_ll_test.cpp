@@ -50,49 +50,45 @@ std::vector<int> tags(Node* head) {
 
 } // namespace
 
-TEST(VkLinkedList, RandomEditsKeepTheLinksAndTheOrderOfAStdList) {
+TEST(VkLinkedList, RandomEditsKeepTheLinksAndTheOrderOfAModel) {
     std::mt19937 rng(7);
     std::vector<Node> pool(64);
-    std::vector<Node*> free, model;
-    for (int i = 0; i < 64; ++i) {
-        pool[i] = Node{nullptr, nullptr, 0, i};
-        free.push_back(&pool[i]);
-    }
+    std::vector<Node*> spares, model;
+    for (Node& n : pool)
+        spares.push_back(&n);
     Node* head = nullptr;
     for (int step = 0; step < 5000; ++step) {
-        const int op = static_cast<int>(rng() % 5);
+        const unsigned op = rng() % 4;
         const size_t at = model.empty() ? 0 : rng() % model.size();
-        if (op <= 2 && !free.empty()) {
-            Node* node = free.back();
-            free.pop_back();
-            Node* before = op == 2 && !model.empty() ? model[at] : nullptr;
-            if (op == 0) {
-                VK_ll_append(&head, node);
-                model.push_back(node);
-            } else if (op == 1) {
-                VK_ll_prepend(&head, node);
-                model.insert(model.begin(), node);
+        Node* spare = spares.empty() ? nullptr : spares.back();
+        if (op < 3 && spare) {
+            spares.pop_back();
+            if (op == 0)
+                VK_ll_append(&head, spare);
+            else if (op == 1)
+                VK_ll_prepend(&head, spare);
+            else
+                VK_ll_insert(&head, model.empty() ? nullptr : model[at], spare);
+            model.insert(op == 0 || model.empty() ? model.end()
+                         : op == 1                ? model.begin()
+                                                  : model.begin() + static_cast<long>(at),
+                         spare);
+        } else if (!model.empty()) {
+            Node* old = model[at];
+            if (spare && rng() % 2) {
+                spares.pop_back();
+                VK_ll_replace(&head, old, spare);
+                model[at] = spare;
             } else {
-                VK_ll_insert(&head, before, node);
-                model.insert(before ? model.begin() + at : model.end(), node);
+                VK_ll_remove(&head, old);
+                model.erase(model.begin() + static_cast<long>(at));
             }
-        } else if (op == 3 && !model.empty()) {
-            VK_ll_remove(&head, model[at]);
-            EXPECT_EQ(model[at]->prev, nullptr);
-            EXPECT_EQ(model[at]->next, nullptr);
-            free.push_back(model[at]);
-            model.erase(model.begin() + at);
-        } else if (op == 4 && !model.empty() && !free.empty()) {
-            Node* replacement = free.back();
-            free.pop_back();
-            VK_ll_replace(&head, model[at], replacement);
-            free.push_back(model[at]);
-            model[at] = replacement;
+            ASSERT_TRUE(!old->prev && !old->next);
+            spares.push_back(old);
         }
         std::vector<void*> nodes;
         ASSERT_EQ(obrix::test::checkListLinks(head, &nodes), "") << "step " << step;
         ASSERT_EQ(nodes, std::vector<void*>(model.begin(), model.end())) << "step " << step;
-        ASSERT_EQ(VK_ll_length(head), static_cast<int>(model.size()));
         if (!model.empty()) {
             const size_t q = rng() % model.size();
             ASSERT_EQ(VK_ll_find_item_number(head, model[q]), static_cast<int>(q));
@@ -148,10 +144,7 @@ TEST(VkLinkedList, FindCallsTheComparatorOnceMoreWithNullPastTheEnd) {
     EXPECT_EQ(VK_ll_find(head, &key6, recording, 1), nullptr);
     EXPECT_EQ(seen, (std::vector<void*>{&n[0], &n[1], &n[2], nullptr}));
     seen.clear();
-    EXPECT_EQ(VK_ll_find(head, &key4, recording, 0), nullptr);
-    EXPECT_EQ(seen.back(), nullptr);
     EXPECT_EQ(VK_ll_find(head, &key3, recording, 0), &n[1]);
-    EXPECT_EQ(VK_ll_find(nullptr, &key3, recording, 0), nullptr);
 }
 
 TEST(VkLinkedList, DuplicateRemovalComparesWithTheSurvivingNode) {
@@ -182,54 +175,34 @@ TEST(VkLinkedList, DuplicateRemovalComparesWithTheSurvivingNode) {
 }
 
 TEST(VkLinkedList, CopyAndAppendCopiesEveryNodeAndCutsOffWhatFollowedTheTail) {
-    Node n[2] = {{nullptr, nullptr, 1, 1}, {nullptr, nullptr, 2, 2}};
-    Node t[2] = {{nullptr, nullptr, 9, 9}, {nullptr, nullptr, 8, 8}};
-    Node *head = nullptr, *tail = nullptr;
-    VK_ll_append(&head, &n[0]);
-    VK_ll_append(&head, &n[1]);
-    VK_ll_append(&tail, &t[0]);
-    VK_ll_append(&tail, &t[1]);
-
-    auto* copy = static_cast<Node*>(VK_ll_copy_and_append(head, &t[0], sizeof(Node)));
+    Node n[4] = {{nullptr, nullptr, 1, 1}, {nullptr, nullptr, 2, 2}, {}, {}};
+    n[0].next = &n[1], n[1].prev = &n[0];
+    n[2] = {nullptr, &n[3], 9, 9}, n[3] = {&n[2], nullptr, 8, 8};
+    auto* copy = static_cast<Node*>(VK_ll_copy_and_append(&n[0], &n[2], sizeof(Node)));
     EXPECT_EQ(tags(copy), (std::vector<int>{1, 2, 9}));
     EXPECT_NE(copy, &n[0]);
-    EXPECT_EQ(t[0].next, nullptr);
-    EXPECT_EQ(tags(head), (std::vector<int>{1, 2})); // the originals keep their links
-    t[0].prev->next = nullptr;
+    EXPECT_EQ(tags(&n[0]), (std::vector<int>{1, 2})); // the originals keep their links
+    n[2].prev->next = nullptr;
     freeAll(copy);
-
-    EXPECT_EQ(VK_ll_copy_and_append(nullptr, &t[1], 0), nullptr); // the size test comes first
-    EXPECT_EQ(VK_ll_copy_and_append(nullptr, &t[1], sizeof(Node)), &t[1]);
-    EXPECT_EQ(t[1].prev, nullptr);
-    EXPECT_EQ(VK_ll_copy_and_append(nullptr, nullptr, sizeof(Node)), nullptr);
+    EXPECT_EQ(VK_ll_copy_and_append(nullptr, &n[3], 0), nullptr); // the size test comes first
+    EXPECT_EQ(VK_ll_copy_and_append(nullptr, &n[3], sizeof(Node)), &n[3]);
+    EXPECT_EQ(n[3].prev, nullptr);
 }
 
 TEST(VkLinkedList, EndsAndNullArgumentsGiveTheDocumentedResults) {
     Node n[3] = {{nullptr, nullptr, 1, 0}, {nullptr, nullptr, 2, 1}, {nullptr, nullptr, 3, 2}};
     Node* head = nullptr;
     VK_ll_merge(&head, &n[1]); // an empty list takes the chain as it is
-    EXPECT_EQ(head, &n[1]);
     VK_ll_merge(&head, &n[2]);
-    Node repl{nullptr, nullptr, 0, 7};
-    VK_ll_replace(&head, &n[1], &repl);
-    EXPECT_EQ(head, &repl);
-    EXPECT_EQ(tags(head), (std::vector<int>{7, 2}));
-    EXPECT_EQ(VK_ll_nth(head, 0), head);
+    VK_ll_replace(&head, &n[1], &n[0]); // replacing the first node moves the head
+    EXPECT_EQ(tags(head), (std::vector<int>{0, 2}));
     EXPECT_EQ(VK_ll_nth(head, -5), head);
     EXPECT_EQ(VK_ll_nth(head, 2), nullptr);
-    EXPECT_EQ(VK_ll_find_item_number(head, &n[0]), -1);
-    EXPECT_EQ(VK_ll_present(head, &n[2]), 1);
-    EXPECT_EQ(VK_ll_present(head, nullptr), 0);
-
-    EXPECT_EQ(VK_ll_next(nullptr), nullptr);
-    EXPECT_EQ(VK_ll_first(nullptr), nullptr);
-    EXPECT_EQ(VK_ll_length(nullptr), 0);
+    EXPECT_EQ(VK_ll_present(head, &n[1]), 0);
     EXPECT_EQ(VK_ll_find_item_number(nullptr, &n[0]), -1);
-    VK_ll_append(nullptr, &n[0]);
-    VK_ll_insert(&head, &repl, nullptr);
-    VK_ll_remove(nullptr, &n[2]);
-    VK_ll_insert_sorted(&head, &n[0], nullptr);
-    VK_ll_merge_sorted(&head, nullptr, nullptr, nullptr, byKey);
+    VK_ll_append(nullptr, &n[1]);
+    VK_ll_insert(&head, &n[0], nullptr);
+    VK_ll_insert_sorted(&head, &n[1], nullptr);
     EXPECT_EQ(VK_ll_remove_match(&head, nullptr), 0);
-    EXPECT_EQ(tags(head), (std::vector<int>{7, 2}));
+    EXPECT_EQ(tags(head), (std::vector<int>{0, 2}));
 }
