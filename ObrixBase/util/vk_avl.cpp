@@ -89,24 +89,24 @@ bool rotateIfUnbalanced(void* link) {
     return true;
 }
 
-// Returns the subtree's height (an empty subtree has height 0) and stores every balance.
-int recomputeBalances(void* node) {
-    if (!node)
-        return 0;
-    const int left = recomputeBalances(leftOf(node));
-    const int right = recomputeBalances(rightOf(node));
-    setBalance(node, right - left);
-    return std::max(left, right) + 1;
-}
-
-// Post-order walk that stops at the first rotation: after one rotation the heights above it
-// are stale, so the caller recomputes them before looking further.
-bool rotateFirstUnbalanced(void* link) {
-    void* node = loadPointer(link);
-    if (!node)
-        return false;
-    return rotateFirstUnbalanced(leftLink(node)) || rotateFirstUnbalanced(rightLink(node)) ||
-           rotateIfUnbalanced(link);
+// Whole-tree rebalancing: recompute every balance from the heights, apply the first rotation
+// met in post-order, and start again until a full walk rotates nothing. Restarting from the
+// top after a rotation would only re-walk what is unchanged: every node before the rotated
+// subtree in post-order keeps its balance (its subtree did not move) and nodes after it are
+// not reached yet. So the walk restarts within the rotated subtree alone, which yields the
+// same rotations in the same order, at a cost of the rotated subtree's size per rotation
+// instead of the whole tree's. Returns the settled subtree's height (0 when empty).
+int settleSubtree(void* link) {
+    for (;;) {
+        void* node = loadPointer(link);
+        if (!node)
+            return 0;
+        const int left = settleSubtree(leftLink(node));
+        const int right = settleSubtree(rightLink(node));
+        setBalance(node, right - left);
+        if (!rotateIfUnbalanced(link))
+            return std::max(left, right) + 1;
+    }
 }
 
 void* extreme(void* node, std::size_t side) {
@@ -117,9 +117,9 @@ void* extreme(void* node, std::size_t side) {
     return node;
 }
 
-// The node equal to `key`, with the nearest ancestor at which the search turned towards
-// `side`'s opposite; that ancestor is the neighbour on `side` when the node has no subtree
-// there.
+// The in-order neighbour of the node equal to `key`: the nearest node of its subtree on that
+// side, else the last ancestor at which the search turned away from that side (for the
+// successor, the last turn to the left).
 void* neighbour(void* root, void* key, VK_avl_comparator compare, bool successor) {
     if (!key || !compare)
         return nullptr;
@@ -260,9 +260,7 @@ int VK_avl_remove(void** root, void* node, VK_avl_comparator compare) {
 void VK_avl_balance(void** root) {
     if (!root)
         return;
-    do
-        recomputeBalances(loadPointer(root));
-    while (rotateFirstUnbalanced(root));
+    settleSubtree(root);
 }
 
 void* VK_avl_find(void* root, void* key, VK_avl_comparator compare) {

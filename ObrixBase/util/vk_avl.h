@@ -32,8 +32,9 @@ typedef int (*VK_avl_user_walker)(void* node, void* user);
 OBRIX_API int VK_avl_insert(void** root, void* node, VK_avl_comparator compare);
 /// Takes `node` (found by identity along its search path) out of the tree, then rebalances the
 /// whole tree with `VK_avl_balance`. Returns 0 when removed, 1 when `node` is not in the tree,
-/// -1 when an argument is null. The removed node's links are left as they were. Cost: the
-/// rebalancing recomputes every height after each rotation, O(n) per rotation.
+/// -1 when an argument is null. The removed node's links are left as they were. Cost: O(n)
+/// for the rebalancing walk plus, per rotation, the size of the rotated subtree; use it on
+/// trees of thousands of nodes, not as a hot-loop delete on large ones.
 OBRIX_API int VK_avl_remove(void** root, void* node, VK_avl_comparator compare);
 /// Plain binary-tree removal without rebalancing: a node with two children is replaced by its
 /// right child, and its left subtree hangs below the leftmost node of the right subtree.
@@ -43,7 +44,7 @@ OBRIX_API int VK_bt_remove(void** root, void* node, VK_avl_comparator compare);
 /// Rebalances the tree held at `root` (the address of the root variable, since the root may
 /// rotate away): recomputes every balance from the heights, applies the first rotation found
 /// in post-order, and repeats until a full walk rotates nothing. A null `root` is ignored.
-/// O(n) per rotation.
+/// O(n), plus the size of the rotated subtree for every rotation.
 OBRIX_API void VK_avl_balance(void** root);
 /// The node that compares equal to `key` (`compare(key, node)`), or null. O(log n).
 OBRIX_API void* VK_avl_find(void* root, void* key, VK_avl_comparator compare);
