@@ -111,9 +111,11 @@ struct BintreePolicy {
         updateHeight(y);
         return y;
     }
-    // Restores the AVL balance from `n` up to the root after an insertion or removal below n.
+    // Restores the AVL balance from `n` up towards the root after an insertion or removal
+    // below n. Once a balanced subtree keeps its height, nothing above it can change.
     static void rebalanceUp(TreeHeader* h, TreeNode* n) {
         while (n) {
+            const int before = n->height;
             updateHeight(n);
             const int balance = height(n->left) - height(n->right);
             if (balance > 1) {
@@ -124,6 +126,8 @@ struct BintreePolicy {
                 if (height(n->right->right) < height(n->right->left))
                     rotateRight(h, n->right);
                 n = rotateLeft(h, n);
+            } else if (n->height == before) {
+                return;
             }
             n = n->parent;
         }

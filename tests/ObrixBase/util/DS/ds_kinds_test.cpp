@@ -284,6 +284,27 @@ TEST_P(StructureKind, MatchesAStdListModelOverRandomOperations) {
     EXPECT_EQ(members(), std::vector<void*>(model.begin(), model.end()));
 }
 
+// A tree that lost its balance still keeps its order, so the depth is checked through the
+// number of comparator calls that ascending insertion (the worst case for a plain tree) costs.
+TEST(BintreeKind, AscendingInsertionStaysLogarithmic) {
+    static long calls = 0;
+    auto counting = [](void* a, void* b) {
+        ++calls;
+        return byValue(a, b);
+    };
+    static int keys[4096];
+    int status = 0;
+    DS_Structure* s = DS_create_type(3, &status, __LINE__, __FILE__);
+    s->comparator = counting;
+    for (int i = 0; i < 4096; ++i) {
+        keys[i] = i;
+        calls = 0;
+        s->methods->add(s, &keys[i], &status);
+        ASSERT_LE(calls, 18) << "insert " << i; // AVL height bound 1.44 log2(4097)
+    }
+    DS_destructor(&s, nullptr, nullptr, &status);
+}
+
 std::string kindName(const ::testing::TestParamInfo<int>& param) {
     const char* kinds[] = {"", "Dlist", "Slist", "Bintree", "Array"};
     return kinds[param.param];
