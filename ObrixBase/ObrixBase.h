@@ -17,8 +17,16 @@
 #include "ObrixBase/util/DS/vk_register.h"
 
 /* ---- C interface: containers (lists, AVL tree, arrays, pools, strings) ---- */
+#include "ObrixBase/util/vk_ll.h"
+#include "ObrixBase/util/vk_list.h"
+#include "ObrixBase/util/vk_avl.h"
+#include "ObrixBase/util/vk_array.h"
+#include "ObrixBase/util/vk_bitfield.h"
+#include "ObrixBase/util/vk_pool.h"
+#include "ObrixBase/util/vk_string.h"
 
 /* ---- C interface: item lists ---- */
+#include "ObrixBase/anim/an_anim_list.h"
 
 /* ---- C interface: application state and undo groups ---- */
 #include "ObrixBase/state/rtb_init.h"
