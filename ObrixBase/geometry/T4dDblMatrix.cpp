@@ -60,7 +60,7 @@ inline void eliminateColumn(Rows& row, double (&col)[4]) noexcept {
             r[j] -= f * pivot[j];
         for (int j = 0; j < K; ++j)
             r[4 + j] -= f * pivot[4 + j];
-        r[4 + K] = -f; // 0 − f times the pivot row's implicit 1
+        r[4 + K] = 0.0 - f; // 0 − f times the pivot row's implicit 1: +0 when f is +0
         if constexpr (K < 3)
             col[i] = r[K + 1];
     }
@@ -85,24 +85,33 @@ T4dDblMatrix& T4dDblMatrix::invertIt() noexcept {
     eliminateColumn<2>(row, col);
 
     // Unit diagonal, by true divisions. The accumulator's implicit 1 becomes the reciprocal of
-    // the pivot and its zeros above the diagonal are written out for what follows.
+    // the pivot; its zeros above the diagonal, and the matrix's below it, become 0 / pivot, a
+    // zero with the pivot's sign, which the products below carry into zero results.
     for (int r = 0; r < 4; ++r) {
         double* const x = row[r];
         const double d = x[r];
+        const double z = std::copysign(0.0, d);
+        for (int j = 0; j < r; ++j)
+            x[j] = z;
         for (int j = r + 1; j < 4; ++j)
             x[j] /= d;
         for (int j = 0; j < r; ++j)
             x[4 + j] /= d;
         x[4 + r] = 1.0 / d;
         for (int j = r + 1; j < 4; ++j)
-            x[4 + j] = 0.0;
+            x[4 + j] = z;
     }
 
     // Back substitution, last column first: a row whose elements right of the diagonal are
-    // already cleared is a unit row, so clearing with it changes only the accumulator.
+    // already cleared is a unit row. In the matrix, clearing with it subtracts multiples of its
+    // signed zeros left of the diagonal: no nonzero element changes, but a zero one can change
+    // sign, and the later passes multiply with it, so those few elements are still updated.
     for (int c = 3; c > 0; --c)
         for (int r = 0; r < c; ++r) {
             const double f = row[r][c];
+            for (int j = 0; j < c; ++j)
+                if (j != r)
+                    row[r][j] -= f * row[c][j];
             for (int j = 0; j < 4; ++j)
                 row[r][4 + j] -= f * row[c][4 + j];
         }
