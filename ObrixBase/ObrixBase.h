@@ -25,6 +25,13 @@
 /* ---- geometry ---- */
 
 /* ---- numerics: storage, vectors, matrices ---- */
+#include "ObrixBase/math/MathError.h"
+#include "ObrixBase/math/RWBlock.h"
+#include "ObrixBase/math/DoubleVec.h"
+#include "ObrixBase/math/VecFunctions.h"
+#include "ObrixBase/math/DoubleGenMat.h"
+#include "ObrixBase/math/DoubleSymMat.h"
+#include "ObrixBase/math/DoubleTriMat.h"
 
 /* ---- numerics: factorisations ---- */
 
