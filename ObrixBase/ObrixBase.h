@@ -36,6 +36,9 @@
 /* ---- numerics: factorisations ---- */
 
 /* ---- tuple and sparse containers ---- */
+#include "ObrixBase/math/TsparseMatrix.h"
+#include "ObrixBase/auto/containers/TtupleVector.h"
+#include "ObrixBase/auto/containers/TtupleMatrix.h"
 
 /* ---- application state ---- */
 
