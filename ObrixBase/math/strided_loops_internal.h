@@ -7,6 +7,18 @@
 #include <cstddef>
 #include <limits>
 
+#include "ObrixBase/ObrixExport.h"
+
+// The export attribute of the explicit instantiations of the numeric class templates. GCC
+// takes the visibility from the exported template itself and rejects a repeated attribute;
+// clang needs it on the instantiation, since the templates' own members name IntVec (and so
+// instantiate it) before the instantiation is reached.
+#if defined(__clang__)
+#define OBRIX_INSTANTIATION_API OBRIX_API
+#else
+#define OBRIX_INSTANTIATION_API
+#endif
+
 namespace obrix::detail {
 
 /// Truncation toward zero (2.9 gives 2, -2.9 gives -2). Values beyond the int range saturate
