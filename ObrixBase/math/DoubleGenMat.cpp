@@ -415,7 +415,7 @@ NumGenMat<T> operator/(std::type_identity_t<T> s, const NumGenMat<T>& a) {
 
 template <class T>
 NumGenMat<T> abs(const NumGenMat<T>& m) {
-    return m.apply([](T x) { return x < 0 ? static_cast<T>(-x) : x; });
+    return m.apply([](T x) { return obrix::detail::absoluteValue(x); });
 }
 
 namespace {

@@ -4,8 +4,10 @@
 #ifndef OBRIX_MATH_STRIDED_LOOPS_INTERNAL_H
 #define OBRIX_MATH_STRIDED_LOOPS_INTERNAL_H
 
+#include <cmath>
 #include <cstddef>
 #include <limits>
+#include <type_traits>
 
 #include "ObrixBase/ObrixExport.h"
 
@@ -20,6 +22,16 @@
 #endif
 
 namespace obrix::detail {
+
+/// |x|: fabs for doubles (so -0.0 gives +0.0), negation of negatives for integers (the most
+/// negative value wraps to itself).
+template <class T>
+inline T absoluteValue(T x) {
+    if constexpr (std::is_floating_point_v<T>)
+        return std::fabs(x);
+    else
+        return x < 0 ? static_cast<T>(-x) : x;
+}
 
 /// Truncation toward zero (2.9 gives 2, -2.9 gives -2). Values beyond the int range saturate
 /// and NaN gives 0: a plain cast would be undefined for them.

@@ -216,15 +216,18 @@ TEST(DoublePackedMat, PackingConversionsAndLeadingSubmatrices) {
     DoubleSymMat(2, 3);
     DoubleLowerTriMat(DoubleVec(5, 0.0), 3, 3);
     s.leadingSubmatrix(4);
+    EXPECT_EQ(s.leadingSubmatrix(-1).order(), 0u);
     s.boundsCheck(3, 0);
-    EXPECT_EQ(capture.messages(), (std::vector<std::string>{
-                                      "Can't change element (0,1) of DoubleLowerTriMat",
-                                      "Can't change element (2,1) of DoubleUpperTriMat",
-                                      "2x3 matrix not square",
-                                      "Wrong number of points (5) for 3x3 DoubleLowerTriMat",
-                                      "cant build order 4 leading submatrix of order 3 matrix",
-                                      "Element (3x0) not in matrix of size (3x3)",
-                                  }));
+    EXPECT_EQ(capture.messages(),
+              (std::vector<std::string>{
+                  "Can't change element (0,1) of DoubleLowerTriMat",
+                  "Can't change element (2,1) of DoubleUpperTriMat",
+                  "2x3 matrix not square",
+                  "Wrong number of points (5) for 3x3 DoubleLowerTriMat",
+                  "cant build order 4 leading submatrix of order 3 matrix",
+                  "cant build order 4294967295 leading submatrix of order 3 matrix",
+                  "Element (3x0) not in matrix of size (3x3)",
+              }));
     capture.clear();
 
     DoubleSymMat lead = s.leadingSubmatrix(2);
@@ -235,6 +238,8 @@ TEST(DoublePackedMat, PackingConversionsAndLeadingSubmatrices) {
     EXPECT_EQ(s(0, 1), 2.0);
     EXPECT_EQ(s(1, 1), 8.0);
     EXPECT_EQ(printed(s), "2x2 [\n0 2 \n2 8 \n]");
+    EXPECT_EQ(printed(abs(-s)), printed(s)) << "abs is fabs: -0 becomes 0";
+    EXPECT_EQ(DoubleGenMat(transpose(u).apply([](double x) { return 2 * x; }))(1, 0), 6.0);
 }
 
 TEST(DoublePackedMat, VectorProductsWalkOnlyTheStoredTriangle) {
