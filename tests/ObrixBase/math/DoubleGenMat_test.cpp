@@ -263,3 +263,37 @@ TEST(DoublePackedMat, VectorProductsWalkOnlyTheStoredTriangle) {
         near(product(x, u), product(x, DoubleGenMat(u)));
     }
 }
+
+TEST(DoubleGenMatPick, GathersAndScattersThroughRowAndColumnLists) {
+    DoubleGenMat m(3, 3);
+    for (int j = 0; j < 3; ++j)
+        for (int i = 0; i < 3; ++i)
+            m(i, j) = 10 * i + j;
+    IntVec rows(2, 2, -2); // rows 2 and 0
+    IntVec cols(2, 1, 1);  // columns 1 and 2
+    DoubleGenMat gathered(m(rows, cols));
+    EXPECT_EQ(printed(gathered), "2x2 [\n21 22 \n1 2 \n]");
+    // Scattering part of the matrix into itself reads every source element first.
+    DoubleGenMat topLeft(m.row(0).slice(0, 2), 1, 2); // (0, 0) and (0, 1), a view over row 0
+    m(IntVec(1, 0), IntVec(2, 1, 1)) = topLeft;
+    EXPECT_EQ(m(0, 1), 0.0);
+    EXPECT_EQ(m(0, 2), 1.0);
+    m(rows, cols) = -1.0;
+    EXPECT_EQ(m(2, 2), -1.0);
+    EXPECT_EQ(m(1, 1), 11.0);
+}
+
+TEST(DoubleGenMat, StridedStorageBehavesLikeItsCopy) {
+    DoubleVec every(12, 0.0, 1.0);
+    DoubleGenMat strided(every.slice(0, 6, 2), 2, 3); // 0 2 4 / 6 8 10 column-major
+    EXPECT_EQ(strided.stride(), 2);
+    EXPECT_EQ(strided(1, 2), 10.0);
+    EXPECT_EQ(strided.row(1), DoubleVec(3, 2.0, 4.0));
+    EXPECT_EQ(transpose(strided), transpose(strided.copy()));
+    EXPECT_EQ(kronecker(strided, DoubleGenMat(1, 1, 2.0)), strided * 2.0);
+    strided.resize(2, 4);
+    EXPECT_EQ(strided.stride(), 1);
+    EXPECT_EQ(strided(1, 2), 10.0);
+    EXPECT_EQ(strided(1, 3), 0.0);
+    EXPECT_EQ(every(10), 10.0) << "resize leaves the old storage alone";
+}
