@@ -11,18 +11,14 @@ TunitQuaternion T4dDblVector::rotateTo(const T4dDblVector& target) const noexcep
     if (std::fabs(l1 * l2) < 1e-9)
         return TunitQuaternion();
     const double c = std::clamp(dotProduct(target) / (l1 * l2), -1.0, 1.0);
-    double angle = std::acos(c);
+    const double angle = std::acos(c);
 
-    // Opposite directions are recognised by the angle and also by the cross product: acos is
-    // ill-conditioned near -1, so exactly opposite vectors whose cosine rounds to -1 + 2^-52
-    // read as pi - 2e-8, outside 1e-9, while their cross product is still ~0. Such a cosine is
-    // rounding noise and the turn is taken as a full pi.
-    const T4dDblVector cross = crossProduct(target);
-    const bool oppositeByCross = c < 0.0 && cross.length() < 1e-9 * (l1 * l2);
+    // Opposite directions are recognised by the angle alone. acos is steep near -1, so opposite
+    // vectors whose cosine rounds to -1 + 2^-52 read as pi - 2e-8 and take the cross-product
+    // branch, where the vanishing axis gives the identity below; callers that may pass
+    // opposite directions compare the cosine themselves.
     T4dDblVector axis;
-    if (std::fabs(angle - std::numbers::pi) < 1e-9 || oppositeByCross) {
-        if (oppositeByCross)
-            angle = std::numbers::pi;
+    if (std::fabs(angle - std::numbers::pi) < 1e-9) {
         // The cross product vanishes and any perpendicular serves. Swap the dominant component
         // into the next axis, which is perpendicular and never short.
         const int d = dominantAxis(), e = (d + 1) % 3, f = (d + 2) % 3;
@@ -30,7 +26,7 @@ TunitQuaternion T4dDblVector::rotateTo(const T4dDblVector& target) const noexcep
         axis[e] = (*this)[d];
         axis[f] = 0.0;
     } else {
-        axis = cross;
+        axis = crossProduct(target);
     }
     // setToPivotAxis gives up at a squared axis length of 1e-9, so nearly parallel or short
     // vectors whose cross product is that small yield the identity.

@@ -206,10 +206,12 @@ public:
     }
 
     /// The unit quaternion that turns this direction onto `target` by the smaller angle, about
-    /// their cross product. Opposite directions (within 1e-9 of pi) turn about an axis
-    /// perpendicular to this one. The identity comes back when the product of the lengths is
-    /// below 1e-9, and also whenever the unnormalised cross product has a squared length of at
-    /// most 1e-9: nearly parallel directions, and short vectors even when perpendicular.
+    /// their cross product. Opposite directions (an angle within 1e-9 of pi) turn by pi about
+    /// an axis perpendicular to this one. The identity comes back when the product of the
+    /// lengths is below 1e-9, and also whenever the unnormalised cross product has a squared
+    /// length of at most 1e-9: nearly parallel directions, short vectors even when
+    /// perpendicular, and opposite directions whose cosine rounds short of -1 (an angle about
+    /// 2e-8 from pi), such as (1, 1, 0) and (-1, -1, 0).
     TunitQuaternion rotateTo(const T4dDblVector& target) const noexcept;
 };
 

