@@ -4,6 +4,8 @@
 #ifndef OBRIX_GEOMETRY_T4DDBLPOINT_H
 #define OBRIX_GEOMETRY_T4DDBLPOINT_H
 
+#include <cmath>
+
 #include "ObrixBase/ObrixExport.h"
 #include "ObrixBase/geometry/T4dDblMatrix.h"
 #include "ObrixBase/geometry/T4dDblVector.h"
@@ -106,10 +108,11 @@ public:
     double distanceTo(T4dDblPoint p) const noexcept { return (*this - p).length(); }
 
     /// 1 when the four-dimensional distance of the raw coordinates (w included, nothing
-    /// divided) is at most tol, inclusive.
-    constexpr int equivalent(const T4dDblPoint& p, double tol) const noexcept {
+    /// divided) is at most tol, inclusive. The distance itself is compared, not its square,
+    /// so a negative tol matches nothing (unlike T3dDblPoint::equivalent).
+    int equivalent(const T4dDblPoint& p, double tol) const noexcept {
         const double dx = x - p.x, dy = y - p.y, dz = z - p.z, dw = w - p.w;
-        return tol * tol >= dx * dx + dy * dy + dz * dz + dw * dw;
+        return std::sqrt(dx * dx + dy * dy + dz * dz + dw * dw) <= tol;
     }
 
     /// Stores the row-vector product p·M over the full matrix (component j = sum over i of

@@ -26,6 +26,9 @@ TEST(T4dDblVector, VectorToleranceIsStrictWhilePointToleranceIsInclusive) {
     EXPECT_TRUE(T4dDblPoint(1, 0, 0, 1).equivalent(T4dDblPoint(1, 0, 0, 1.5), 0.5));
     EXPECT_FALSE(
         T4dDblPoint(1, 0, 0, 1).equivalent(T4dDblPoint(2, 0, 0, 2), 0.5)); // raw, not cartesian
+    // The 3d point compares squares, the 4d point the distance: a negative tolerance differs.
+    EXPECT_TRUE(T3dDblPoint(1, 2, 3).equivalent(T3dDblPoint(1, 2, 3.5), -0.5));
+    EXPECT_FALSE(T4dDblPoint(1, 2, 3, 1).equivalent(T4dDblPoint(1, 2, 3, 1), -0.5));
     EXPECT_FALSE(T4dDblVector(0.5, 0, 0).unitLength(0.5));
     EXPECT_TRUE(T4dDblVector(0.6, 0, 0).unitLength(0.5));
     EXPECT_TRUE(T4dDblVector(1, 0, 0).parallel(T4dDblVector(-2, 0, 0), 1e-12));
