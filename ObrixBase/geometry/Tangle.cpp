@@ -10,6 +10,9 @@ struct AngleRow {
     double degrees, radians, cosine, sine;
 };
 
+// The table's values as it has always held them. Three of them (sin 15, cos 30, cos 45) lie one
+// unit in the last place off the nearest double; stored geometry was built with these exact
+// bits, so they are not to be replaced by computed or correctly rounded values.
 constexpr double kC15 = 0.9659258262890683;
 constexpr double kS15 = 0.2588190451025207;
 constexpr double kC30 = 0.8660254037844387;

@@ -26,6 +26,7 @@ TEST(Tangle, IntegerMultiplesOf15TakeTheTableWithItsDeliberateSines) {
     // Right angles are exact, unlike the library's cos(pi/2).
     EXPECT_TRUE(Tangle(90).cos() == 0.0 && Tangle(90).sin() == 1.0 && Tangle(270L).sin() == -1.0);
     EXPECT_EQ(Tangle(45).cos(), 0.7071067811865475);
+    EXPECT_EQ(Tangle(30).cos(), 0.8660254037844387); // one unit above the library's root
     EXPECT_EQ(Tangle(90).radians(), 90.0 * kPi / 180.0);
 }
 
