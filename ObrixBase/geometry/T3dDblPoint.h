@@ -12,6 +12,7 @@
 /// stored contiguously. No operation reports an error or allocates.
 class OBRIX_API T3dDblPoint {
 public:
+    /// The coordinates, contiguous in this order.
     double x = 0.0;
     double y = 0.0;
     double z = 0.0;
@@ -21,6 +22,7 @@ public:
 
     /// The origin.
     constexpr T3dDblPoint() noexcept = default;
+    /// The point (x, y, z).
     constexpr T3dDblPoint(double x_, double y_, double z_) noexcept : x(x_), y(y_), z(z_) {}
     constexpr T3dDblPoint(const T3dDblPoint&) noexcept = default;
     /// The point at the vector's offset from the origin.

@@ -15,6 +15,7 @@
 /// infinities or NaNs without a trap.
 class OBRIX_API T4dDblPoint {
 public:
+    /// The coordinates, contiguous in this order; w is the weight.
     double x = 0.0;
     double y = 0.0;
     double z = 0.0;
@@ -25,6 +26,7 @@ public:
 
     /// The origin (0, 0, 0, 1).
     constexpr T4dDblPoint() noexcept = default;
+    /// The point (x, y, z, w), kept as given: nothing is divided.
     constexpr T4dDblPoint(double x_, double y_, double z_, double w_) noexcept
         : x(x_), y(y_), z(z_), w(w_) {}
 

@@ -21,6 +21,7 @@ class T4dDblPoint;
 /// 1e-9 below which normalisation and rotateTo give up.
 class OBRIX_API T4dDblVector {
 public:
+    /// The components, contiguous in this order.
     double x = 0.0;
     double y = 0.0;
     double z = 0.0;
@@ -30,6 +31,7 @@ public:
 
     /// The zero vector.
     constexpr T4dDblVector() noexcept = default;
+    /// The vector (x, y, z).
     constexpr T4dDblVector(double x_, double y_, double z_) noexcept : x(x_), y(y_), z(z_) {}
     /// The point's coordinates as a direction from the origin.
     constexpr T4dDblVector(const T3dDblPoint& p) noexcept;
@@ -78,6 +80,7 @@ public:
     }
     constexpr int operator!=(const T4dDblVector& v) const noexcept { return !(*this == v); }
 
+    /// Componentwise arithmetic: sum, difference, negation, scaling, and their in-place forms.
     constexpr T4dDblVector operator+(const T4dDblVector& v) const noexcept {
         return T4dDblVector(x + v.x, y + v.y, z + v.z);
     }

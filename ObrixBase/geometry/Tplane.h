@@ -23,6 +23,7 @@ public:
     /// The plane through p with normal n, as setPlane. setPlane resets the tolerance, so the
     /// plane always holds 1e-9 whatever tol is passed.
     Tplane(const T4dDblPoint& p, const T4dDblVector& n, double tol = 1e-9) noexcept;
+    /// Copies all five fields, the tolerance included.
     Tplane(const Tplane&) = default;
     Tplane& operator=(const Tplane&) = default;
     virtual ~Tplane() = default;

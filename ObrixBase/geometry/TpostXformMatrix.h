@@ -49,6 +49,7 @@ public:
     /// Stores the scale pivot; the matrix stays as it is. Returns *this.
     TpostXformMatrix& setScalePivotPoint(const T4dDblPoint& p) noexcept;
 
+    /// Copies of the components and pivots, as stored (no rebuild).
     T4dDblVector translation() const noexcept { return translation_; }
     TunitQuaternion rotation() const noexcept { return rotation_; }
     Tscale scale() const noexcept { return scale_; }

@@ -29,6 +29,7 @@ public:
     constexpr Tscale& operator=(const Tscale&) noexcept = default;
     virtual ~Tscale() = default;
 
+    /// The stored factors, each already through the zero guard.
     constexpr double x() const noexcept { return x_; }
     constexpr double y() const noexcept { return y_; }
     constexpr double z() const noexcept { return z_; }
