@@ -178,6 +178,19 @@ template <obrix::PackedMatrix M>
 M operator/(const M& a, double s) {
     return M(a.dataVec() / s, a.order(), a.order());
 }
+/// The scalar on the left: s + A, s - A and s / A element by element over the stored elements.
+template <obrix::PackedMatrix M>
+M operator+(double s, const M& a) {
+    return M(s + a.dataVec(), a.order(), a.order());
+}
+template <obrix::PackedMatrix M>
+M operator-(double s, const M& a) {
+    return M(s - a.dataVec(), a.order(), a.order());
+}
+template <obrix::PackedMatrix M>
+M operator/(double s, const M& a) {
+    return M(s / a.dataVec(), a.order(), a.order());
+}
 template <obrix::PackedMatrix M>
 M& operator+=(M& a, const M& b) {
     a.shapeCheck(b);
@@ -188,6 +201,31 @@ template <obrix::PackedMatrix M>
 M& operator-=(M& a, const M& b) {
     a.shapeCheck(b);
     a.dataVec() -= b.dataVec();
+    return a;
+}
+/// In-place element-wise product and quotient of the stored elements (0x4004 on order), not
+/// matrix products.
+template <obrix::PackedMatrix M>
+M& operator*=(M& a, const M& b) {
+    a.shapeCheck(b);
+    a.dataVec() *= b.dataVec();
+    return a;
+}
+template <obrix::PackedMatrix M>
+M& operator/=(M& a, const M& b) {
+    a.shapeCheck(b);
+    a.dataVec() /= b.dataVec();
+    return a;
+}
+/// In-place scalar arithmetic on every stored element; the empty triangle stays zero.
+template <obrix::PackedMatrix M>
+M& operator+=(M& a, double s) {
+    a.dataVec() += s;
+    return a;
+}
+template <obrix::PackedMatrix M>
+M& operator-=(M& a, double s) {
+    a.dataVec() -= s;
     return a;
 }
 template <obrix::PackedMatrix M>
