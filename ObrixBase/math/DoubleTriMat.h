@@ -62,6 +62,8 @@ public:
         return static_cast<std::ptrdiff_t>(i) * (i + 1) / 2 + j;
     }
     /// Unchecked; the upper triangle gives the constant zero.
+    RODoubleRef ref(int i, int j) noexcept { return (*this)(i, j); }
+    /// Unchecked; the upper triangle gives the constant zero.
     RODoubleRef operator()(int i, int j) noexcept {
         return RODoubleRef(j <= i ? &vec_(static_cast<int>(index(i, j))) : nullptr);
     }
@@ -119,6 +121,8 @@ public:
     static std::ptrdiff_t index(int i, int j) noexcept {
         return static_cast<std::ptrdiff_t>(j) * (j + 1) / 2 + i;
     }
+    /// Unchecked; the lower triangle gives the constant zero.
+    RODoubleRef ref(int i, int j) noexcept { return (*this)(i, j); }
     /// Unchecked; the lower triangle gives the constant zero.
     RODoubleRef operator()(int i, int j) noexcept {
         return RODoubleRef(i <= j ? &vec_(static_cast<int>(index(i, j))) : nullptr);

@@ -312,6 +312,11 @@ TEST(DoublePackedMat, ArithmeticActsOnStoredElementsWithTheScalarOnEitherSide) {
     m -= 0.5;
     EXPECT_EQ(printed(m), "2x2 [\n1 0 \n2.5 8.5 \n]");
 
+    l.ref(0, 1) = 9.0; // the constant zero of the empty triangle
+    l.ref(1, 0) = 3.0;
+    EXPECT_EQ(printed(l), "2x2 [\n1 0 \n3 4 \n]");
+    EXPECT_EQ(printed(transpose(l)), "2x2 [\n1 3 \n0 4 \n]");
+
     MathErrorCapture capture;
     DoubleUpperTriMat u(1, 1, 1.0);
     u /= DoubleUpperTriMat(2, 2, 1.0);
