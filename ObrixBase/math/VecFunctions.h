@@ -23,7 +23,7 @@ OBRIX_API NumVec<T> delta(const NumVec<T>& x);
 template <class T>
 OBRIX_API NumVec<T> reverse(const NumVec<T>& x);
 /// Inner product (VNMATCH unless the lengths match); 0 for empty vectors. The order of the
-/// double additions is fixed by the library (four interleaved partial sums), so equal inputs
+/// double additions is fixed by the library (eight interleaved partial sums), so equal inputs
 /// always give equal results, whatever their strides.
 template <class T>
 OBRIX_API T dot(const NumVec<T>& a, const NumVec<T>& b);
