@@ -49,6 +49,7 @@ OBRIX_API T minValue(const NumVec<T>& x);
 
 // ---- for DoubleVec only: the C library functions element by element, no domain checks ----
 
+/// Each returns a new vector of f(x[i]) with the C library function of the same name.
 OBRIX_API DoubleVec acos(const DoubleVec& x);
 OBRIX_API DoubleVec asin(const DoubleVec& x);
 OBRIX_API DoubleVec atan(const DoubleVec& x);
