@@ -85,6 +85,7 @@ public:
     /// Sets every element to 0.
     void zero() { vec_ = T(0); }
 
+    /// The shape.
     unsigned rows() const noexcept { return nrows_; }
     unsigned cols() const noexcept { return ncols_; }
     /// The elements as one vector in column-major order (shares the storage).
@@ -177,6 +178,7 @@ public:
     /// Sets every picked element.
     NumGenMatPick& operator=(T value);
 
+    /// The pick's shape: the lengths of the row and column index vectors.
     unsigned rows() const noexcept { return rows_.length(); }
     unsigned cols() const noexcept { return cols_.length(); }
     T& operator()(int r, int c) noexcept { return matrix_(rows_(r), cols_(c)); }
@@ -188,6 +190,7 @@ private:
     NumVec<int> cols_;
 };
 
+/// Unary minus, as a new matrix.
 template <class T>
 OBRIX_API NumGenMat<T> operator-(const NumGenMat<T>& m);
 /// Element-wise arithmetic of same-shaped matrices (0x4004 otherwise).
@@ -243,6 +246,7 @@ OBRIX_API NumGenMat<T> kronecker(const NumGenMat<T>& a, const NumGenMat<T>& b);
 /// Element-wise truncation toward zero.
 OBRIX_API IntGenMat toInt(const DoubleGenMat& m);
 
+/// printOn and scanFrom.
 template <class T>
 OBRIX_API std::ostream& operator<<(std::ostream& out, const NumGenMat<T>& m);
 template <class T>

@@ -53,6 +53,8 @@ void DoublePackedMat::reshapePacked(unsigned n, unsigned m) {
 DoubleVec DoublePackedMat::leadingElements(int k) const {
     if (k < 0 || static_cast<unsigned>(k) > n_)
         mathErrorRaise(MATX_LEADSUB, k, n_);
+    // A negative order taken as unsigned would describe an enormous matrix over a few
+    // elements; when the handler lets it pass, the leading block is empty instead.
     const unsigned kk = k < 0 ? 0u : static_cast<unsigned>(k);
     return DoubleVec(vec_, 0, packedLength(kk), 1);
 }

@@ -20,6 +20,7 @@ class OBRIX_API DoublePackedMat {
 public:
     /// The order n (the matrices are always n x n).
     unsigned order() const noexcept { return n_; }
+    /// Both equal the order.
     unsigned rows() const noexcept { return n_; }
     unsigned cols() const noexcept { return n_; }
     /// The packed elements (shares the storage).
@@ -27,6 +28,7 @@ public:
     /// The packed elements for in-place element work. Assign through it; rebinding it with
     /// reference() to a vector of another length breaks the matrix.
     DoubleVec& dataVec() noexcept { return vec_; }
+    /// The first packed element.
     double* data() noexcept { return vec_.data(); }
     const double* data() const noexcept { return vec_.data(); }
 
@@ -88,9 +90,12 @@ public:
         vec_ = value;
         return *this;
     }
+    /// Rebinds to `other`'s storage and order.
     DoubleSymMat& reference(const DoubleSymMat& other) noexcept;
     DoubleSymMat copy() const;
     DoubleSymMat deepCopy() const { return copy(); }
+    /// Order m keeping the leading submatrix (resize) or nothing (reshape); 0x400D unless
+    /// n == m.
     void resize(unsigned n, unsigned m) { resizePacked(n, m); }
     void reshape(unsigned n, unsigned m) { reshapePacked(n, m); }
 
@@ -102,6 +107,7 @@ public:
     /// Unchecked; (i, j) and (j, i) are the same element.
     double& operator()(int i, int j) noexcept { return vec_(static_cast<int>(index(i, j))); }
     double operator()(int i, int j) const noexcept { return vec_(static_cast<int>(index(i, j))); }
+    /// Checked forms (0x4005 with (i, j, n, n)).
     double& bcref(int i, int j) {
         boundsCheck(i, j);
         return (*this)(i, j);
@@ -132,8 +138,8 @@ template <class M>
 concept PackedMatrix = std::is_base_of_v<DoublePackedMat, M> && !std::is_same_v<M, DoublePackedMat>;
 } // namespace obrix
 
-// Element-wise arithmetic of packed matrices of one class: it acts on the packed vectors, so
-// * and / are element-wise, not matrix products. Order mismatches raise 0x4004.
+/// Element-wise arithmetic of packed matrices of one class: it acts on the packed vectors, so
+/// * and / are element-wise, not matrix products. Order mismatches raise 0x4004.
 template <obrix::PackedMatrix M>
 M operator+(const M& a, const M& b) {
     a.shapeCheck(b);
@@ -178,6 +184,19 @@ template <obrix::PackedMatrix M>
 M operator/(const M& a, double s) {
     return M(a.dataVec() / s, a.order(), a.order());
 }
+/// The scalar on the left: s + A, s - A and s / A element by element over the stored elements.
+template <obrix::PackedMatrix M>
+M operator+(double s, const M& a) {
+    return M(s + a.dataVec(), a.order(), a.order());
+}
+template <obrix::PackedMatrix M>
+M operator-(double s, const M& a) {
+    return M(s - a.dataVec(), a.order(), a.order());
+}
+template <obrix::PackedMatrix M>
+M operator/(double s, const M& a) {
+    return M(s / a.dataVec(), a.order(), a.order());
+}
 template <obrix::PackedMatrix M>
 M& operator+=(M& a, const M& b) {
     a.shapeCheck(b);
@@ -188,6 +207,31 @@ template <obrix::PackedMatrix M>
 M& operator-=(M& a, const M& b) {
     a.shapeCheck(b);
     a.dataVec() -= b.dataVec();
+    return a;
+}
+/// In-place element-wise product and quotient of the stored elements (0x4004 on order), not
+/// matrix products.
+template <obrix::PackedMatrix M>
+M& operator*=(M& a, const M& b) {
+    a.shapeCheck(b);
+    a.dataVec() *= b.dataVec();
+    return a;
+}
+template <obrix::PackedMatrix M>
+M& operator/=(M& a, const M& b) {
+    a.shapeCheck(b);
+    a.dataVec() /= b.dataVec();
+    return a;
+}
+/// In-place scalar arithmetic on every stored element; the empty triangle stays zero.
+template <obrix::PackedMatrix M>
+M& operator+=(M& a, double s) {
+    a.dataVec() += s;
+    return a;
+}
+template <obrix::PackedMatrix M>
+M& operator-=(M& a, double s) {
+    a.dataVec() -= s;
     return a;
 }
 template <obrix::PackedMatrix M>

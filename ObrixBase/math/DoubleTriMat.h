@@ -37,6 +37,7 @@ private:
 /// Lower-triangular packed matrix.
 class OBRIX_API DoubleLowerTriMat : public DoublePackedMat {
 public:
+    /// Order 0.
     DoubleLowerTriMat() noexcept = default;
     /// Order n, uninitialised (0x400D unless n == m).
     DoubleLowerTriMat(unsigned n, unsigned m);
@@ -51,9 +52,12 @@ public:
         vec_ = value;
         return *this;
     }
+    /// Rebinds to `other`'s storage and order.
     DoubleLowerTriMat& reference(const DoubleLowerTriMat& other) noexcept;
     DoubleLowerTriMat copy() const;
     DoubleLowerTriMat deepCopy() const { return copy(); }
+    /// Order m keeping the leading submatrix (resize) or nothing (reshape); 0x400D unless
+    /// n == m.
     void resize(unsigned n, unsigned m) { resizePacked(n, m); }
     void reshape(unsigned n, unsigned m) { reshapePacked(n, m); }
 
@@ -62,12 +66,15 @@ public:
         return static_cast<std::ptrdiff_t>(i) * (i + 1) / 2 + j;
     }
     /// Unchecked; the upper triangle gives the constant zero.
+    RODoubleRef ref(int i, int j) noexcept { return (*this)(i, j); }
+    /// Unchecked; the upper triangle gives the constant zero.
     RODoubleRef operator()(int i, int j) noexcept {
         return RODoubleRef(j <= i ? &vec_(static_cast<int>(index(i, j))) : nullptr);
     }
     double operator()(int i, int j) const noexcept {
         return j <= i ? vec_(static_cast<int>(index(i, j))) : 0.0;
     }
+    /// Checked forms (0x4005 with (i, j, n, n)); reading the empty triangle gives 0.
     RODoubleRef bcref(int i, int j) {
         boundsCheck(i, j);
         return (*this)(i, j);
@@ -98,6 +105,7 @@ public:
 /// Upper-triangular packed matrix.
 class OBRIX_API DoubleUpperTriMat : public DoublePackedMat {
 public:
+    /// Order 0; the constructors and members work as for DoubleLowerTriMat.
     DoubleUpperTriMat() noexcept = default;
     DoubleUpperTriMat(unsigned n, unsigned m);
     DoubleUpperTriMat(unsigned n, unsigned m, double value);
@@ -119,6 +127,8 @@ public:
     static std::ptrdiff_t index(int i, int j) noexcept {
         return static_cast<std::ptrdiff_t>(j) * (j + 1) / 2 + i;
     }
+    /// Unchecked; the lower triangle gives the constant zero.
+    RODoubleRef ref(int i, int j) noexcept { return (*this)(i, j); }
     /// Unchecked; the lower triangle gives the constant zero.
     RODoubleRef operator()(int i, int j) noexcept {
         return RODoubleRef(i <= j ? &vec_(static_cast<int>(index(i, j))) : nullptr);

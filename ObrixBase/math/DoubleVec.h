@@ -111,6 +111,8 @@ public:
     /// Length `n` over a new block keeping the first min(old, n) elements; new ones are 0.
     void resize(unsigned n);
 
+    /// The element count, the distance in elements between neighbours, element 0 of this
+    /// view (inside the block, not necessarily at its start) and the shared block.
     unsigned length() const noexcept { return length_; }
     int stride() const noexcept { return stride_; }
     T* data() noexcept { return data_; }
@@ -244,6 +246,8 @@ private:
 template <class T>
 class OBRIX_API NumVecPick {
 public:
+    /// A view of `vector` (shared block) through `indices` (shared); nothing is checked until
+    /// the pick is used.
     NumVecPick(const NumVec<T>& vector, const NumVec<int>& indices);
     NumVecPick(const NumVecPick& other) = default;
 
@@ -266,6 +270,7 @@ public:
     /// Raises VNMATCH (pick length, n) unless they are equal.
     void lengthCheck(unsigned n) const;
 
+    /// The viewed vector and the index vector (both shallow).
     const NumVec<T>& vector() const noexcept { return vector_; }
     const NumVec<int>& indices() const noexcept { return indices_; }
 

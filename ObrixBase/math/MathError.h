@@ -154,6 +154,7 @@ OBRIX_API void mathCatalogueRelease(std::uint16_t& counter, std::uint32_t number
 /// the last destruction unregisters it.
 class OBRIX_API RWMATHInit {
 public:
+    /// Counts this instance in; the first registers catalogue 3, the last out unlinks it.
     RWMATHInit();
     ~RWMATHInit();
     RWMATHInit(const RWMATHInit&) = delete;
@@ -168,6 +169,7 @@ private:
 /// Counted registrar of catalogue 4 (matrix messages); works as RWMATHInit.
 class OBRIX_API RWMATXInit {
 public:
+    /// Counts this instance in; the first registers catalogue 4, the last out unlinks it.
     RWMATXInit();
     ~RWMATXInit();
     RWMATXInit(const RWMATXInit&) = delete;

@@ -86,15 +86,18 @@ public:
     /// inside the shape); grows the entry capacity when needed.
     void set(const DoubleGenMat& block, int i, int j);
 
+    /// The logical shape; the writable forms let callers widen it over entries already stored.
     int rows() const noexcept { return rows_; }
     int& rows() noexcept { return rows_; }
     int cols() const noexcept { return cols_; }
     int& cols() noexcept { return cols_; }
     /// The number of stored entries.
     int nonZeros() const noexcept { return nonZeros_; }
+    /// The capacities.
     int maxNumberOfRows() const noexcept { return maxRows_; }
     int maxNumberOfCols() const noexcept { return maxCols_; }
     int maxNumberOfNonZeros() const noexcept { return maxNonZeros_; }
+    /// The four storage vectors, as shallow views of the whole capacity.
     const IntVec& beginnings() const noexcept { return beginnings_; }
     const IntVec& counts() const noexcept { return counts_; }
     const IntVec& indices() const noexcept { return indices_; }

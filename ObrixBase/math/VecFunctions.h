@@ -23,7 +23,7 @@ OBRIX_API NumVec<T> delta(const NumVec<T>& x);
 template <class T>
 OBRIX_API NumVec<T> reverse(const NumVec<T>& x);
 /// Inner product (VNMATCH unless the lengths match); 0 for empty vectors. The order of the
-/// double additions is fixed by the library (four interleaved partial sums), so equal inputs
+/// double additions is fixed by the library (eight interleaved partial sums), so equal inputs
 /// always give equal results, whatever their strides.
 template <class T>
 OBRIX_API T dot(const NumVec<T>& a, const NumVec<T>& b);
@@ -49,6 +49,7 @@ OBRIX_API T minValue(const NumVec<T>& x);
 
 // ---- for DoubleVec only: the C library functions element by element, no domain checks ----
 
+/// Each returns a new vector of f(x[i]) with the C library function of the same name.
 OBRIX_API DoubleVec acos(const DoubleVec& x);
 OBRIX_API DoubleVec asin(const DoubleVec& x);
 OBRIX_API DoubleVec atan(const DoubleVec& x);

@@ -36,10 +36,12 @@ public:
     /// Prints "**** Bounds checking ( bad row, r ) in FILE ... LINE 37" (or "bad column",
     /// LINE 41) through rptError and aborts unless (r, c) is in the grid.
     void boundsCheck(int r, int c) const;
+    /// Index predicates: 0 <= r < rows(), 0 <= c < cols(), 0 <= k < tupleSize().
     bool correctRow(int r) const { return r >= 0 && r < rows_; }
     bool correctCol(int c) const { return c >= 0 && c < cols_; }
     bool correctTuple(int k) const { return k >= 0 && k < tupleSize_; }
 
+    /// Coordinates per tuple (at least 1) and the grid's shape.
     int tupleSize() const noexcept { return tupleSize_; }
     int rows() const noexcept { return rows_; }
     int cols() const noexcept { return cols_; }
@@ -65,6 +67,7 @@ public:
     /// The Euclidean length of every tuple as a rows x cols matrix.
     DoubleGenMat vecLen() const;
 
+    /// A deep copy; rebinding to `other`'s storage and shape; the element vector (shallow).
     TtupleMatrix copy() const;
     TtupleMatrix& reference(const TtupleMatrix& other);
     void deepenShallowCopy() { data_.deepenShallowCopy(); }

@@ -45,6 +45,7 @@ public:
     /// 0 <= k < tupleSize().
     bool correctTuple(int k) const { return k >= 0 && k < tupleSize_; }
 
+    /// Coordinates per point (at least 1) and the number of whole points held.
     int tupleSize() const noexcept { return tupleSize_; }
     int points() const noexcept { return static_cast<int>(data_.length()) / tupleSize_; }
 
@@ -72,6 +73,7 @@ public:
     DoubleVec vecLen() const;
     /// points * tupleSize() elements, keeping the leading points and zeroing new ones.
     void resize(int points);
+    /// A deep copy; rebinding to `other`'s storage; the element vector (shallow).
     TtupleVector copy() const;
     TtupleVector& reference(const TtupleVector& other);
     void deepenShallowCopy() { data_.deepenShallowCopy(); }

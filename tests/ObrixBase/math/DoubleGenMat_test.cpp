@@ -297,3 +297,29 @@ TEST(DoubleGenMat, StridedStorageBehavesLikeItsCopy) {
     EXPECT_EQ(strided(1, 3), 0.0);
     EXPECT_EQ(every(10), 10.0) << "resize leaves the old storage alone";
 }
+
+TEST(DoublePackedMat, ArithmeticActsOnStoredElementsWithTheScalarOnEitherSide) {
+    const double stored[] = {1.0, 2.0, 4.0}; // lower triangle (0,0), (1,0), (1,1)
+    DoubleLowerTriMat l(DoubleVec(stored, 3), 2, 2);
+    EXPECT_EQ(printed(2.0 - l), "2x2 [\n1 0 \n0 -2 \n]") << "the empty triangle is not stored";
+    EXPECT_EQ(printed(8.0 / l), "2x2 [\n8 0 \n4 2 \n]");
+    EXPECT_EQ(printed(1.0 + l), printed(l + 1.0));
+
+    DoubleLowerTriMat m = l.copy();
+    m *= l; // element-wise, not a matrix product
+    m /= DoubleLowerTriMat(3, 3, 2.0).leadingSubmatrix(2);
+    m += 1.0;
+    m -= 0.5;
+    EXPECT_EQ(printed(m), "2x2 [\n1 0 \n2.5 8.5 \n]");
+
+    l.ref(0, 1) = 9.0; // the constant zero of the empty triangle
+    l.ref(1, 0) = 3.0;
+    EXPECT_EQ(printed(l), "2x2 [\n1 0 \n3 4 \n]");
+    EXPECT_EQ(printed(transpose(l)), "2x2 [\n1 3 \n0 4 \n]");
+
+    MathErrorCapture capture;
+    DoubleUpperTriMat u(1, 1, 1.0);
+    u /= DoubleUpperTriMat(2, 2, 1.0);
+    ASSERT_FALSE(capture.errors().empty());
+    EXPECT_EQ(capture.messages().front(), "Matrix sizes don't match (1x1) vs (2x2)");
+}
