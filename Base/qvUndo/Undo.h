@@ -45,6 +45,7 @@ public:
     State(const State&) = delete;
     State& operator=(const State&) = delete;
 
+    /// The name given at construction; shown to the user in undo and redo menus.
     const qvString::CString& getName() const noexcept { return name_; }
 
 private:
@@ -85,6 +86,7 @@ private:
 /// Manager::openGroup and deleted by their manager only.
 class BASE_API Group : public State {
 public:
+    /// The number of commands recorded into the group so far.
     int getNumCommands() const noexcept { return static_cast<int>(commands_.size()); }
     /// The command at `index` (0 = first recorded); null when out of range.
     Command* getCommand(int index) const;
@@ -104,6 +106,7 @@ public:
 
     /// The sum of the commands' getNumBytesUsed, as each was when it was recorded.
     std::uint64_t getNumBytesUsed() const noexcept { return bytes_; }
+    /// The manager that made the group and owns it.
     Manager& getManager() const noexcept { return *manager_; }
 
 private:
@@ -136,6 +139,7 @@ public:
     /// The group at `index` in the history, oldest first; a negative index counts from the
     /// newest (-1 is the most recent group). Null when out of range.
     Group* getGroup(int index) const;
+    /// The number of groups in the history, done and undone.
     int getNumGroups() const noexcept { return static_cast<int>(groups_.size()); }
     /// The number of done groups, those that undo can take back.
     int getNumDone() const noexcept { return done_; }
@@ -151,7 +155,9 @@ public:
     qvUtil::Error undo();
     /// Redoes the oldest undone group, its commands in recording order; otherwise as undo.
     qvUtil::Error redo();
+    /// True when undo has a done group to take back.
     bool canUndo() const noexcept { return done_ > 0; }
+    /// True when redo has an undone group to perform again.
     bool canRedo() const noexcept { return done_ < getNumGroups(); }
     /// True while undo or redo runs commands.
     bool isBusy() const noexcept { return busy_; }
@@ -164,9 +170,11 @@ public:
 
     /// Limits the history to `groups` groups (0: no limit) and trims at once when needed.
     void setMaxGroups(int groups);
+    /// The group limit; 0 means none.
     int getMaxGroups() const noexcept { return maxGroups_; }
     /// Limits the bytes of the history's commands (0: no limit) and trims at once.
     void setMaxBytes(std::uint64_t bytes);
+    /// The byte limit; 0 means none.
     std::uint64_t getMaxBytes() const noexcept { return maxBytes_; }
     /// The bytes of every group's commands.
     std::uint64_t getNumBytesUsed() const noexcept { return bytes_; }

@@ -90,6 +90,8 @@ VeskoBehaviour* VeskoBehaviour::get() {
 }
 
 void VeskoBehaviour::set(VeskoBehaviour* behaviour) {
+    // Installing the current instance again keeps it: deleting it first would leave the
+    // library holding the very object it had just freed.
     if (behaviour != current.get())
         current.reset(behaviour);
 }

@@ -47,7 +47,8 @@ public:
     static VeskoBehaviour* get();
     /// Deletes the current instance (when there is one) and makes `behaviour` current; the
     /// library owns it from then on. Null leaves no instance, so the next get() makes a fresh
-    /// base one. Meant for start-up: references to the old instance dangle afterwards.
+    /// base one. Setting the current instance again keeps it rather than deleting it. Meant
+    /// for start-up: references to the old instance dangle afterwards.
     static void set(VeskoBehaviour* behaviour);
 };
 

@@ -13,7 +13,13 @@
 OBRIX_EXTERN_C_BEGIN
 
 /** The plane set an undo command asks to have redrawn. Any other value selects nothing. */
+#ifdef __cplusplus
+/* Held as a plain int in C++ too: C callers may pass any int, and a C++ enum without a fixed
+   type could not hold values beyond its enumerators' range. */
+typedef enum ObrixRedraw : int {
+#else
 typedef enum ObrixRedraw {
+#endif
     ObrixRedrawActivePlanes = 1,   /**< planes 0x9C0 */
     ObrixRedrawModelPlanes = 2,    /**< planes 0x9F8 */
     ObrixRedrawTemplatePlanes = 3, /**< planes 0x9FF */
@@ -41,6 +47,8 @@ OBRIX_API void redraw_remove_planes(int mask);
 OBRIX_API void redraw_remove_redraw_all(void);
 /** Clears the pending planes, the layer mark and the redraw-everything flag. */
 OBRIX_API void redraw_reset_pending(void);
+/** The pending planes, the layer mark (0: none) and the redraw-everything flag, as noted so
+    far; the redraw hook reads them before it resets them. */
 OBRIX_API int redraw_get_pending_planes(void);
 OBRIX_API int redraw_get_pending_layers(void);
 OBRIX_API bool redraw_get_pending_redraw_all(void);

@@ -119,6 +119,8 @@ void add_cursor_procedure(VK_CursorProcedure proc) {
     if (!proc)
         return;
     auto& procedures = furtherCursorProcedures();
+    // The C interface never throws: at the container's limit the failure is reported and the
+    // list is left as it was.
     if (procedures.size() == procedures.max_size()) {
         rptError("list too long");
         return;

@@ -63,8 +63,11 @@ public:
     /// Makes the object's state equal to `state`, a snapshot from getState.
     virtual void setState(qv::Reference<StatefulUndoState> state) = 0;
 
+    /// True once initialize has been called, whether or not anything was recorded.
     bool isInitialized() const noexcept { return initialized_; }
+    /// True between startChange and endChange, whether or not anything was recorded.
     bool isInChange() const noexcept { return inChange_; }
+    /// The name the recorded commands carry.
     const qvString::CString& getName() const noexcept { return name_; }
 
 private:

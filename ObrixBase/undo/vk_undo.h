@@ -45,12 +45,15 @@ OBRIX_API void VK_undo_pop_group(bool discardIfEmpty);
 /** true pushes a null entry, so nothing is recorded; false pops it. */
 OBRIX_API void VK_undo_creation_disable(bool disable);
 
+/** The in-undo flag, which VK_undo_set_in_undo and VK_undo_set_in_redo both write; false at
+    load. */
 OBRIX_API bool VK_undo_in_undo(void);
 /** Always false: VK_undo_set_in_redo records into the in-undo flag, which VK_undo_in_undo and
     VK_undo_is_active answer for both directions. */
 OBRIX_API bool VK_undo_in_redo(void);
 /** VK_undo_in_undo() or VK_undo_in_redo(). */
 OBRIX_API bool VK_undo_is_active(void);
+/** Writes the in-undo flag. */
 OBRIX_API void VK_undo_set_in_undo(bool inUndo);
 /** Writes the in-undo flag (see VK_undo_in_redo). */
 OBRIX_API void VK_undo_set_in_redo(bool inRedo);

@@ -158,12 +158,14 @@ TEST(UndoCommand, AsksForThePlanesOfItsRedrawSelectorAndNothingForOthers) {
         qvUtil::Error doCommand() override { return {}; }
         qvUtil::Error undoCommand() override { return {}; }
     } probe(nullptr, "probe");
-    const int expected[] = {0, 0x9C0, 0x9F8, 0x9FF, 0xFFF, 0, 0};
-    for (int which = 0; which <= 6; ++which) {
+    // C callers may pass any int: values far outside the enumerators select nothing too.
+    const int selector[] = {0, 1, 2, 3, 4, 5, 99, -1};
+    const int expected[] = {0, 0x9C0, 0x9F8, 0x9FF, 0xFFF, 0, 0, 0};
+    for (int i = 0; i < 8; ++i) {
         redraw_reset_pending();
-        probe.redrawPlanes(static_cast<ObrixRedraw>(which));
-        EXPECT_EQ(redraw_get_pending_planes(), expected[which]) << which;
-        EXPECT_EQ(redraw_get_pending_layers(), expected[which] ? 1 : 0) << which;
+        probe.redrawPlanes(static_cast<ObrixRedraw>(selector[i]));
+        EXPECT_EQ(redraw_get_pending_planes(), expected[i]) << selector[i];
+        EXPECT_EQ(redraw_get_pending_layers(), expected[i] ? 1 : 0) << selector[i];
     }
     probe.setRedrawPending();
     EXPECT_TRUE(redraw_get_pending_redraw_all());
