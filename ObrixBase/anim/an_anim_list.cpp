@@ -220,7 +220,9 @@ long An_sort_item_list(An_Item_list_s** head, long unique) {
         node = node->next;
     }
     MA_free(records);
-    // The nodes past the last one written held the skipped duplicates.
+    // The nodes past the last one written held the skipped duplicates. They come from
+    // MA_malloc, whose blocks carry an accounting header, so they go back through MA_free:
+    // VK_list_delete would hand them to the C runtime's free.
     while (node) {
         An_Item_list_s* next = node->next;
         VK_ll_remove(head, node);

@@ -88,9 +88,11 @@ int sameName(void* item, void* key) {
 
 // The entry being left: an open file is closed so that it can be read (and is appended to
 // when chosen again); a caller's stream stays open, and its entry, which nothing else
-// refers to, is released.
-void leave(DebugEntry* previous, DebugEntry* next) {
-    if (!previous || previous == next)
+// refers to, is released rather than leaked on every switch. Choosing the current file again
+// also closes it: the next print reopens it for appending, so a caller can move the file
+// away between two runs of output and get a fresh one under the old name.
+void leave(DebugEntry* previous) {
+    if (!previous)
         return;
     if (previous->state == kOpen) {
         if (previous->stream)
@@ -128,7 +130,7 @@ void chooseFile(const char* name) {
         DebugEntry* previous = current;
         current = found;
         outputMode = AA_OUTPUT_FILE;
-        leave(previous, found);
+        leave(previous);
         return;
     }
     auto* entry = static_cast<DebugEntry*>(MA_malloc(sizeof(DebugEntry), __LINE__, __FILE__));
@@ -143,20 +145,20 @@ void chooseFile(const char* name) {
         MA_free(entry);
         DebugEntry* previous = current;
         current = nullptr;
-        leave(previous, nullptr);
+        leave(previous);
         complain("Cannot create debug file entry\n");
         return;
     }
     DebugEntry* previous = current;
     current = entry;
     outputMode = AA_OUTPUT_FILE;
-    leave(previous, entry);
+    leave(previous);
 }
 
 void chooseStream(FILE* stream) {
     if (!stream) {
         if (current && current->state == kOpen)
-            leave(current, nullptr);
+            leave(current);
         return;
     }
     outputMode = AA_OUTPUT_STREAM;
@@ -164,7 +166,7 @@ void chooseStream(FILE* stream) {
     current = static_cast<DebugEntry*>(MA_malloc(sizeof(DebugEntry), __LINE__, __FILE__));
     if (current)
         *current = {nullptr, kCallerStream, stream};
-    leave(previous, current);
+    leave(previous);
     if (!current)
         complain("Cannot create debug file entry\n");
 }
@@ -253,7 +255,7 @@ void AA_set_print_out(AA_Debug_output mode, void* arg) {
         outputMode = mode;
         DebugEntry* previous = current;
         current = nullptr;
-        leave(previous, nullptr);
+        leave(previous);
         return;
     }
     }

@@ -53,6 +53,8 @@ void VK_array_put(VK_Array* array, int index, void* element) {
     // arrays: the increment supplies the slot being written.
     if (index >= array->count)
         VK_array_size(array, index);
+    // With increment 0 the growth stops one slot short of `index`: the write is dropped rather
+    // than made past the end of the data.
     void* slot = VK_array_get(array, index);
     if (slot)
         std::memcpy(slot, element, static_cast<std::size_t>(array->element_size));

@@ -75,6 +75,8 @@ int VK_bitfield_is_clear(const unsigned char* bits, int nbytes) {
 }
 
 void VK_bitfield_set_from_int(unsigned char* bits, int value) {
+    // A negative value never shifts down to zero: it would write on past any buffer, so it is
+    // refused and the buffer left as it was.
     if (!bits || value < 0)
         return;
     do {

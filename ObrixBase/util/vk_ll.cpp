@@ -203,6 +203,8 @@ void* VK_ll_copy_and_append(void* list, void* tail, int size) {
         setNext(tail, nullptr);
         return tail;
     }
+    // A copy smaller than the two links (or a negative size) could not be relinked without
+    // writing past its end: such a request gets no copies at all.
     if (size < static_cast<int>(sizeof(VK_ll_header)))
         return nullptr;
 

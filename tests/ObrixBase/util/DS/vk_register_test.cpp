@@ -35,6 +35,18 @@ TEST_F(RegistrationTable, AcceptsZeroAndRejectsNegativeOrTakenIdentifiers) {
     EXPECT_EQ(status, VK_ARGUMENT_ERROR);
 }
 
+TEST_F(RegistrationTable, RefusedRegistrationAnswersOneOnlyWithoutStatusPointer) {
+    VK_register_item(0, &a, &table, &status);
+    table->filter = [](void*) { return 0; };
+    EXPECT_EQ(VK_register_item(1, &b, &table, &status), 0);
+    EXPECT_EQ(status, VK_ITEM_FILTERED);
+    EXPECT_EQ(VK_register_item(2, &c, &table, nullptr), 1);
+    table->filter = nullptr;
+    EXPECT_EQ(VK_get_id_registration(1, table, &status), nullptr);
+    EXPECT_EQ(VK_get_id_registration(2, table, &status), nullptr);
+    EXPECT_EQ(table->methods->enumerate(table, &status), 1);
+}
+
 TEST_F(RegistrationTable, LookupsFindTheFirstRegistrationOfAnItem) {
     VK_register_item(7, &a, &table, &status);
     VK_register_item(3, &b, &table, &status);
