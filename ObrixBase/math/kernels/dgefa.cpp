@@ -1,0 +1,112 @@
+// LU factorisation with partial pivoting (Gaussian elimination, row interchanges chosen by
+// the largest magnitude in the pivot column). Small matrices take the column-oriented
+// elimination directly; larger ones are factored by recursive halving of the columns, which
+// moves almost all the work into the blocked rank-k update, and are then brought to the same
+// stored form: negated multipliers, each column of L in the row order of its own step.
+#include <cmath>
+#include <utility>
+
+#include "ObrixBase/math/kernels/blocked_internal.h"
+#include "ObrixBase/math/kernels/kernels.h"
+
+namespace qvObrixBase::kernels {
+
+namespace {
+
+constexpr int kUnblockedOrder = 96;
+
+inline double& at(double* a, int lda, int i, int j) {
+    return a[i + static_cast<long>(j) * lda];
+}
+
+// Column-oriented elimination producing the stored form directly: interchanges reach only
+// the columns to the right of the pivot column.
+void eliminate(double* a, int lda, int n, int* ipvt, int* info) {
+    *info = 0;
+    for (int k = 0; k < n - 1; ++k) {
+        double* colk = &at(a, lda, 0, k);
+        int l = k + idamax(n - k, colk + k, 1) - 1;
+        ipvt[k] = l + 1;
+        if (colk[l] == 0.0) {
+            *info = k + 1;
+            continue;
+        }
+        std::swap(colk[l], colk[k]);
+        dscal(n - k - 1, -1.0 / colk[k], colk + k + 1, 1);
+        for (int j = k + 1; j < n; ++j) {
+            double* colj = &at(a, lda, 0, j);
+            double t = colj[l];
+            colj[l] = colj[k];
+            colj[k] = t;
+            daxpy(n - k - 1, t, colk + k + 1, 1, colj + k + 1, 1);
+        }
+    }
+    ipvt[n - 1] = n;
+    if (at(a, lda, n - 1, n - 1) == 0.0)
+        *info = n;
+}
+
+// Recursive LU of the m x n panel (m >= n) with whole-row interchanges and positive
+// multipliers; piv receives 0-based rows relative to the panel. lastZero is the largest
+// 1-based index of a zero pivot, offset by base.
+void recursiveLU(double* a, int lda, int m, int n, int* piv, int base, int* lastZero) {
+    if (n <= 16) {
+        for (int k = 0; k < n; ++k) {
+            double* colk = &at(a, lda, 0, k);
+            int p = k + idamax(m - k, colk + k, 1) - 1;
+            piv[k] = p;
+            if (colk[p] != 0.0) {
+                if (p != k)
+                    dswap(n, &at(a, lda, k, 0), lda, &at(a, lda, p, 0), lda);
+                dscal(m - k - 1, 1.0 / colk[k], colk + k + 1, 1);
+            } else {
+                *lastZero = base + k + 1;
+            }
+            for (int j = k + 1; j < n; ++j)
+                daxpy(m - k - 1, -at(a, lda, k, j), colk + k + 1, 1, &at(a, lda, k + 1, j), 1);
+        }
+        return;
+    }
+    int n1 = n / 2, n2 = n - n1;
+    recursiveLU(a, lda, m, n1, piv, base, lastZero);
+    double* right = &at(a, lda, 0, n1);
+    for (int i = 0; i < n1; ++i)
+        if (piv[i] != i)
+            dswap(n2, right + i, lda, right + piv[i], lda);
+    detail::trsmLowerUnit(n1, n2, a, lda, right, lda);
+    detail::gemmMinus(false, m - n1, n2, n1, a + n1, lda, right, lda, right + n1, lda);
+    recursiveLU(right + n1, lda, m - n1, n2, piv + n1, base + n1, lastZero);
+    for (int i = n1; i < n; ++i) {
+        piv[i] += n1;
+        if (piv[i] != i)
+            dswap(n1, a + i, lda, a + piv[i], lda);
+    }
+}
+
+} // namespace
+
+void dgefa(double* a, int lda, int n, int* ipvt, int* info) {
+    *info = 0;
+    if (n <= 0)
+        return;
+    if (n <= kUnblockedOrder) {
+        eliminate(a, lda, n, ipvt, info);
+        return;
+    }
+    int lastZero = 0;
+    recursiveLU(a, lda, n, n, ipvt, 0, &lastZero);
+    // Back to the stored form: undo each later interchange on the columns left of its step,
+    // latest first, and negate the multipliers.
+    for (int j = n - 1; j > 0; --j)
+        if (ipvt[j] != j)
+            dswap(j, a + j, lda, a + ipvt[j], lda);
+    for (int j = 0; j < n; ++j) {
+        double* colj = &at(a, lda, 0, j);
+        for (int i = j + 1; i < n; ++i)
+            colj[i] = -colj[i];
+        ++ipvt[j];
+    }
+    *info = lastZero;
+}
+
+} // namespace qvObrixBase::kernels
