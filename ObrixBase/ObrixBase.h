@@ -25,10 +25,20 @@
 /* ---- geometry ---- */
 
 /* ---- numerics: storage, vectors, matrices ---- */
+#include "ObrixBase/math/MathError.h"
+#include "ObrixBase/math/RWBlock.h"
+#include "ObrixBase/math/DoubleVec.h"
+#include "ObrixBase/math/VecFunctions.h"
+#include "ObrixBase/math/DoubleGenMat.h"
+#include "ObrixBase/math/DoubleSymMat.h"
+#include "ObrixBase/math/DoubleTriMat.h"
 
 /* ---- numerics: factorisations ---- */
 
 /* ---- tuple and sparse containers ---- */
+#include "ObrixBase/math/TsparseMatrix.h"
+#include "ObrixBase/auto/containers/TtupleVector.h"
+#include "ObrixBase/auto/containers/TtupleMatrix.h"
 
 /* ---- application state ---- */
 

@@ -1,0 +1,229 @@
+// Packed square matrices of doubles: the shared core DoublePackedMat and the symmetric
+// DoubleSymMat. An order-n packed matrix stores n(n+1)/2 elements in a DoubleVec; the symmetric
+// one keeps element (i, j), i <= j, at j(j+1)/2 + i, so (i, j) and (j, i) are one element and
+// the leading order-k block is the first k(k+1)/2 elements. Element-wise arithmetic acts on the
+// packed vector. The triangular classes are in DoubleTriMat.h.
+#ifndef OBRIX_MATH_DOUBLESYMMAT_H
+#define OBRIX_MATH_DOUBLESYMMAT_H
+
+#include <cstddef>
+#include <iosfwd>
+#include <type_traits>
+
+#include "ObrixBase/ObrixExport.h"
+#include "ObrixBase/math/DoubleGenMat.h"
+#include "ObrixBase/math/DoubleVec.h"
+
+/// What the packed classes share: the packed vector, the order, the checks and resizing.
+class OBRIX_API DoublePackedMat {
+public:
+    /// The order n (the matrices are always n x n).
+    unsigned order() const noexcept { return n_; }
+    unsigned rows() const noexcept { return n_; }
+    unsigned cols() const noexcept { return n_; }
+    /// The packed elements (shares the storage).
+    const DoubleVec& dataVec() const noexcept { return vec_; }
+    /// The packed elements for in-place element work. Assign through it; rebinding it with
+    /// reference() to a vector of another length breaks the matrix.
+    DoubleVec& dataVec() noexcept { return vec_; }
+    double* data() noexcept { return vec_.data(); }
+    const double* data() const noexcept { return vec_.data(); }
+
+    /// Sets every stored element to 0.
+    void zero() { vec_ = 0.0; }
+    /// Makes the storage exclusive and contiguous.
+    void deepenShallowCopy() { vec_.deepenShallowCopy(); }
+    /// Raises 0x4005 (i, j, n, n) unless both indices are in [0, n).
+    void boundsCheck(int i, int j) const;
+    /// Raises 0x4004 with both shapes unless the orders are equal.
+    void shapeCheck(const DoublePackedMat& other) const;
+
+protected:
+    DoublePackedMat() noexcept : vec_(), n_(0) {}
+    /// Order n with uninitialised storage; raises 0x400D (n, m) unless n == m.
+    DoublePackedMat(unsigned n, unsigned m);
+    /// Shares `data`; raises 0x400D unless n == m and 0x400A (length, n, n, className) unless
+    /// the length is n(n+1)/2.
+    DoublePackedMat(const DoubleVec& data, unsigned n, unsigned m, const char* className);
+    DoublePackedMat(const DoublePackedMat&) noexcept = default;
+    ~DoublePackedMat() = default;
+    /// Element copy after shapeCheck.
+    void assign(const DoublePackedMat& other);
+    /// Raises 0x400D (n, m) unless n == m; then order m over the packed vector resized to
+    /// m(m+1)/2, keeping the leading elements (the leading submatrix).
+    void resizePacked(unsigned n, unsigned m);
+    /// The same without keeping anything.
+    void reshapePacked(unsigned n, unsigned m);
+    /// The view of the first k(k+1)/2 elements; raises 0x4018 (k, n) unless 0 <= k <= n.
+    DoubleVec leadingElements(int k) const;
+
+    DoubleVec vec_;
+    unsigned n_;
+};
+
+/// Number of stored elements of an order-n packed matrix.
+constexpr unsigned packedLength(unsigned n) noexcept {
+    return n * (n + 1) / 2;
+}
+
+/// Symmetric packed matrix.
+class OBRIX_API DoubleSymMat : public DoublePackedMat {
+public:
+    /// Order 0.
+    DoubleSymMat() noexcept = default;
+    /// Order n, uninitialised (0x400D unless n == m).
+    DoubleSymMat(unsigned n, unsigned m);
+    /// Order n, every element `value`.
+    DoubleSymMat(unsigned n, unsigned m, double value);
+    /// Over the packed elements of `data` (shared).
+    DoubleSymMat(const DoubleVec& data, unsigned n, unsigned m);
+    /// Shallow.
+    DoubleSymMat(const DoubleSymMat& other) noexcept = default;
+    ~DoubleSymMat() = default;
+    /// Copies elements (0x4004 unless the orders match).
+    DoubleSymMat& operator=(const DoubleSymMat& other);
+    DoubleSymMat& operator=(double value) {
+        vec_ = value;
+        return *this;
+    }
+    DoubleSymMat& reference(const DoubleSymMat& other) noexcept;
+    DoubleSymMat copy() const;
+    DoubleSymMat deepCopy() const { return copy(); }
+    void resize(unsigned n, unsigned m) { resizePacked(n, m); }
+    void reshape(unsigned n, unsigned m) { reshapePacked(n, m); }
+
+    /// Position of (i, j) in the packed vector.
+    static std::ptrdiff_t index(int i, int j) noexcept {
+        return i <= j ? static_cast<std::ptrdiff_t>(j) * (j + 1) / 2 + i
+                      : static_cast<std::ptrdiff_t>(i) * (i + 1) / 2 + j;
+    }
+    /// Unchecked; (i, j) and (j, i) are the same element.
+    double& operator()(int i, int j) noexcept { return vec_(static_cast<int>(index(i, j))); }
+    double operator()(int i, int j) const noexcept { return vec_(static_cast<int>(index(i, j))); }
+    double& bcref(int i, int j) {
+        boundsCheck(i, j);
+        return (*this)(i, j);
+    }
+    double bcval(int i, int j) const {
+        boundsCheck(i, j);
+        return (*this)(i, j);
+    }
+    double bcset(int i, int j, double x) {
+        boundsCheck(i, j);
+        return (*this)(i, j) = x;
+    }
+    double set(int i, int j, double x) noexcept { return (*this)(i, j) = x; }
+    /// The order-k leading block, sharing the storage (0x4018 unless 0 <= k <= n).
+    DoubleSymMat leadingSubmatrix(int k) const;
+
+    bool operator==(const DoubleSymMat& other) const {
+        return n_ == other.n_ && vec_ == other.vec_;
+    }
+    bool operator!=(const DoubleSymMat& other) const { return !(*this == other); }
+};
+
+namespace obrix {
+/// The packed matrix classes, for the shared element-wise operators.
+template <class M>
+concept PackedMatrix = std::is_base_of_v<DoublePackedMat, M> && !std::is_same_v<M, DoublePackedMat>;
+} // namespace obrix
+
+// Element-wise arithmetic of packed matrices of one class: it acts on the packed vectors, so
+// * and / are element-wise, not matrix products. Order mismatches raise 0x4004.
+template <obrix::PackedMatrix M>
+M operator+(const M& a, const M& b) {
+    a.shapeCheck(b);
+    return M(a.dataVec() + b.dataVec(), a.order(), a.order());
+}
+template <obrix::PackedMatrix M>
+M operator-(const M& a, const M& b) {
+    a.shapeCheck(b);
+    return M(a.dataVec() - b.dataVec(), a.order(), a.order());
+}
+template <obrix::PackedMatrix M>
+M operator*(const M& a, const M& b) {
+    a.shapeCheck(b);
+    return M(a.dataVec() * b.dataVec(), a.order(), a.order());
+}
+template <obrix::PackedMatrix M>
+M operator/(const M& a, const M& b) {
+    a.shapeCheck(b);
+    return M(a.dataVec() / b.dataVec(), a.order(), a.order());
+}
+template <obrix::PackedMatrix M>
+M operator-(const M& a) {
+    return M(-a.dataVec(), a.order(), a.order());
+}
+template <obrix::PackedMatrix M>
+M operator+(const M& a, double s) {
+    return M(a.dataVec() + s, a.order(), a.order());
+}
+template <obrix::PackedMatrix M>
+M operator-(const M& a, double s) {
+    return M(a.dataVec() - s, a.order(), a.order());
+}
+template <obrix::PackedMatrix M>
+M operator*(const M& a, double s) {
+    return M(a.dataVec() * s, a.order(), a.order());
+}
+template <obrix::PackedMatrix M>
+M operator*(double s, const M& a) {
+    return M(s * a.dataVec(), a.order(), a.order());
+}
+template <obrix::PackedMatrix M>
+M operator/(const M& a, double s) {
+    return M(a.dataVec() / s, a.order(), a.order());
+}
+template <obrix::PackedMatrix M>
+M& operator+=(M& a, const M& b) {
+    a.shapeCheck(b);
+    a.dataVec() += b.dataVec();
+    return a;
+}
+template <obrix::PackedMatrix M>
+M& operator-=(M& a, const M& b) {
+    a.shapeCheck(b);
+    a.dataVec() -= b.dataVec();
+    return a;
+}
+template <obrix::PackedMatrix M>
+M& operator*=(M& a, double s) {
+    a.dataVec() *= s;
+    return a;
+}
+template <obrix::PackedMatrix M>
+M& operator/=(M& a, double s) {
+    a.dataVec() /= s;
+    return a;
+}
+template <obrix::PackedMatrix M>
+M& operator++(M& a) {
+    ++a.dataVec();
+    return a;
+}
+template <obrix::PackedMatrix M>
+M& operator--(M& a) {
+    --a.dataVec();
+    return a;
+}
+/// Absolute value of every stored element.
+template <obrix::PackedMatrix M>
+M abs(const M& a) {
+    return M(a.dataVec().apply([](double x) { return x < 0 ? -x : x; }), a.order(), a.order());
+}
+/// Writes the full n x n matrix in the DoubleGenMat text format.
+template <obrix::PackedMatrix M>
+std::ostream& operator<<(std::ostream& out, const M& m) {
+    DoubleGenMat(m).printOn(out);
+    return out;
+}
+
+/// (A(i, j) + A(j, i)) / 2 of a square A: the triangles are averaged (0x400D if not square).
+OBRIX_API DoubleSymMat toSymMat(const DoubleGenMat& a);
+/// A x v and v x A walking the stored elements (0x4014, 0x4015 on length).
+OBRIX_API DoubleVec product(const DoubleSymMat& a, const DoubleVec& v);
+OBRIX_API DoubleVec product(const DoubleVec& v, const DoubleSymMat& a);
+/// A shallow copy: a symmetric matrix is its own transpose.
+OBRIX_API DoubleSymMat transpose(const DoubleSymMat& a);
+
+#endif

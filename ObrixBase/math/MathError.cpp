@@ -1,0 +1,205 @@
+#include "ObrixBase/math/MathError.h"
+
+#include <cstdlib>
+
+#include "Base/rpt/rpt.h"
+
+namespace {
+
+constexpr std::uint32_t C = MATH_CONTINUE;
+constexpr std::uint32_t T = MATH_TERMINATE;
+
+// Catalogue 3: indexed by the low 12 bits of the code, so the order is the numbering.
+constexpr MathMessage vectorMessages[] = {
+    {T, "[BADORDER: %s]: Mismatch of function (%u) and rhs (%u) order"},
+    {T, "[BADPARITY: %s]: Length (%u) of a real series must be %s"},
+    {T, "[BADVERNO: %s]: Bad formatting version number.  Expected %d; got %d"},
+    {T, "[DIVZERO: %s]: Divide by zero."},
+    {T, "[GENERIC: %s]: Generic error number %d; %s"},
+    {T, "[INDEX: %s]: Index (%d) out of range [0->%u]"},
+    {T, "[LUNDEF: %s]: Undefined LU factorization"},
+    {T, "[MNMATCH: %s]: Rows or columns do not match: (%u, %u) vs (%u, %u)"},
+    {T, "[NOMEM: %s]: Out of memory"},
+    {T, "[NPOINTS: %s]: Vector (%u) %s %d"},
+    {T, "[NSQUARE: %s]: Matrix (%u, %u) is not square"},
+    {T, "[RWBREQ: %s]: RWBlock new request of size %d != correct: %d"},
+    {T, "[SLICE: %s]: slice (%d, %u, %d) cannot be made from vector (%u)"},
+    {T, "[STRIDE: %s]: Stride must be 1"},
+    {T, "[VMNMATCH: %s]: %s Vector (%u) does not match matrix: (%u, %u)"},
+    {T, "[VNMATCH: %s]: Vector lengths do not match (%u vs %u)"},
+    {C, "[ZEROSD: %s]: Series has zero standard deviation"},
+    {C, "[ZEROVEC: %s]: %s: vector is empty"},
+    {T, "[ZPIVOT: %s]: Pivot number %d is zero"},
+    {T, "[BADROOT: %s]: Zero'th root of 1 requested"},
+};
+
+// Catalogue 4. The banded-matrix messages are kept so that the numbering stays fixed.
+constexpr MathMessage matrixMessages[] = {
+    {C, "Internal error, you've found a bug"},
+    {T, "Matrix pick out of range: index %d not in 0->%d"},
+    {T, "Constant reference was changed from %g to %g"},
+    {T, "Complex constant reference was changed from %g+i%g to %g+i%g"},
+    {T, "Matrix sizes don't match (%dx%d) vs (%dx%d)"},
+    {T, "Element (%dx%d) not in matrix of size (%ux%u)"},
+    {T, "Row (%d) not in matrix with %u rows"},
+    {T, "Column (%d) not in matrix with %u columns"},
+    {T, "Diagonal %d not in %s matrix of size (%ux%u)"},
+    {T, "Can't change element (%d,%d) of %s"},
+    {T, "Wrong number of points (%u) for %ux%u %s"},
+    {T, "Wrong number of points (%u) for %ux%u %s with bandwidth %u"},
+    {T, "Bandwidths don't match: lower: %u & %u, upper: %u & %u"},
+    {T, "%dx%d matrix not square"},
+    {C, "matrix not symmetric"},
+    {C, "matrix not anti-symmetric"},
+    {C, "matrix not hermetian"},
+    {C, "matrix not banded"},
+    {C, "matrix not triangular"},
+    {C, "matrix not tri-diagonal"},
+    {T, "inner product not possible between %s (%ux%u) and vector (%u)"},
+    {T, "inner product not possible vector(%u) and %s (%ux%u)"},
+    {T, "inner product not possible %s matrices (%u,%u) and (%ux%u)"},
+    {T, "wrong number of elements (%u) for %s (%ux%u)"},
+    {T, "cant build order %u leading submatrix of order %u matrix"},
+    {T, "Restoring %s, data vector len %d, expected %u"},
+};
+
+constinit MessageCatalogue vectorCatalogue{
+    3, vectorMessages, sizeof vectorMessages / sizeof vectorMessages[0], nullptr};
+constinit MessageCatalogue matrixCatalogue{
+    4, matrixMessages, sizeof matrixMessages / sizeof matrixMessages[0], nullptr};
+
+// Constant-initialised so that registrars running in any unit's static initialisation find
+// a valid list and handler whatever the order in which the units are initialised.
+constinit MessageCatalogue* catalogueHead = nullptr;
+constinit MathErrorHandler currentHandler = &defaultMathErrorHandler;
+
+const MessageCatalogue* findCatalogue(std::uint16_t code) {
+    for (const MessageCatalogue* c = catalogueHead; c != nullptr; c = c->next)
+        if (c->number == static_cast<std::uint32_t>(code >> 12))
+            return c;
+    return nullptr;
+}
+
+} // namespace
+
+std::uint16_t RWMATHInit::count_ = 0;
+std::uint16_t RWMATXInit::count_ = 0;
+
+void mathErrorVRaise(MathError error, va_list args) {
+    currentHandler(error, args);
+}
+
+void mathErrorRaise(MathError error, ...) {
+    va_list args;
+    va_start(args, error);
+    mathErrorVRaise(error, args);
+    va_end(args);
+}
+
+void mathErrorRaise(std::uint16_t code, ...) {
+    va_list args;
+    va_start(args, code);
+    mathErrorVRaise(MathError{code, MATH_DEFAULT, MATH_TAG_SHORTHAND}, args);
+    va_end(args);
+}
+
+MathErrorHandler setMathErrorHandler(MathErrorHandler handler) {
+    MathErrorHandler previous = currentHandler;
+    currentHandler = handler != nullptr ? handler : &defaultMathErrorHandler;
+    return previous;
+}
+
+void defaultMathErrorHandler(const MathError& error, va_list args) {
+    if (error.code == 0)
+        return;
+    const MessageCatalogue* catalogue = findCatalogue(error.code);
+    if (catalogue == nullptr) {
+        rptError("Error number 0x%hx.", error.code);
+        rptError("** Processing terminated.\n");
+        std::abort();
+    }
+    // The entry index is trusted as the raiser gave it: codes come from the library's own
+    // enumerations, never from user data.
+    const MathMessage& entry = catalogue->entries[error.code & 0xFFF];
+    rptError("** ");
+    va_list copy;
+    va_copy(copy, args);
+    rptVError(entry.format, copy);
+    va_end(copy);
+    rptError(".\n");
+    std::uint32_t severity = error.severity == MATH_DEFAULT ? entry.severity : error.severity;
+    if (severity == MATH_CONTINUE) {
+        rptError("** Processing continues.\n");
+        return;
+    }
+    rptError("** Processing terminated.\n");
+    std::abort();
+}
+
+const char* mathErrorFormat(std::uint16_t code) {
+    const MessageCatalogue* catalogue = findCatalogue(code);
+    if (catalogue == nullptr || (code & 0xFFFu) >= catalogue->count)
+        return nullptr;
+    return catalogue->entries[code & 0xFFF].format;
+}
+
+std::uint32_t mathErrorDefaultSeverity(std::uint16_t code) {
+    const MessageCatalogue* catalogue = findCatalogue(code);
+    if (catalogue == nullptr || (code & 0xFFFu) >= catalogue->count)
+        return MATH_TERMINATE;
+    return catalogue->entries[code & 0xFFF].severity;
+}
+
+void mathCatalogueRegister(MessageCatalogue* catalogue) {
+    MessageCatalogue** link = &catalogueHead;
+    for (; *link != nullptr; link = &(*link)->next)
+        if (*link == catalogue)
+            return;
+    catalogue->next = nullptr;
+    *link = catalogue;
+}
+
+void mathCatalogueUnregister(std::uint32_t number) {
+    for (MessageCatalogue** link = &catalogueHead; *link != nullptr; link = &(*link)->next) {
+        if ((*link)->number == number) {
+            MessageCatalogue* found = *link;
+            *link = found->next;
+            found->next = nullptr;
+            return;
+        }
+    }
+}
+
+const MessageCatalogue* mathCatalogueList() {
+    return catalogueHead;
+}
+
+void mathCatalogueAcquire(std::uint16_t& counter, MessageCatalogue* catalogue) {
+    if (counter++ == 0)
+        mathCatalogueRegister(catalogue);
+}
+
+void mathCatalogueRelease(std::uint16_t& counter, std::uint32_t number) {
+    if (--counter == 0)
+        mathCatalogueUnregister(number);
+}
+
+RWMATHInit::RWMATHInit() {
+    mathCatalogueAcquire(count_, &vectorCatalogue);
+}
+RWMATHInit::~RWMATHInit() {
+    mathCatalogueRelease(count_, 3);
+}
+std::uint16_t RWMATHInit::count() {
+    return count_;
+}
+
+RWMATXInit::RWMATXInit() {
+    mathCatalogueAcquire(count_, &matrixCatalogue);
+}
+RWMATXInit::~RWMATXInit() {
+    mathCatalogueRelease(count_, 4);
+}
+std::uint16_t RWMATXInit::count() {
+    return count_;
+}

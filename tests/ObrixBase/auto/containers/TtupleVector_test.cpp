@@ -1,0 +1,68 @@
+#include "ObrixBase/auto/containers/TtupleVector.h"
+
+#include <cmath>
+
+#include <gtest/gtest.h>
+
+#include "ObrixBase/auto/containers/TtupleMatrix.h"
+
+namespace {
+
+DoubleVec vec(std::initializer_list<double> values) {
+    return DoubleVec(values.begin(), static_cast<unsigned>(values.size()));
+}
+
+} // namespace
+
+TEST(TtupleVector, PointViewsWriteThroughToEverySharer) {
+    const double raw[] = {1, 2, 3, 4, 5, 6};
+    TtupleVector points(3, 2, raw);
+    TtupleVector shared(points);
+    points[1](0) = 40.0;
+    EXPECT_EQ(shared(1), vec({40, 5, 6}));
+    EXPECT_EQ(TtupleVector(0, 4, 1.0).tupleSize(), 1);
+    EXPECT_EQ(TtupleVector(-3, vec({1, 2})).points(), 2);
+    EXPECT_EQ(points.component(2), vec({3, 6}));
+    EXPECT_EQ(points.vecLen()(0), std::sqrt(14.0));
+    EXPECT_EQ(points.components(1, 2).data(), vec({2, 3, 5, 6}));
+    TtupleVector last = points.rPoints(1, 1);
+    last(0) = 0.0;
+    EXPECT_EQ(points(1), vec({40, 5, 6})) << "rPoints copies";
+    points.lPoints(0, 0)(0) = 9.0;
+    EXPECT_EQ(points(0), vec({9, 9, 9})) << "lPoints views";
+    EXPECT_EQ(points.setPoints(0, 0, last), 1);
+    EXPECT_EQ(points(0), vec({0, 0, 0}));
+    EXPECT_EQ(points.setPoints(1, 2, last), 0) << "range outside";
+    const double* rows[] = {raw, raw + 3};
+    EXPECT_EQ(TtupleVector(2, 2, rows).data(), vec({1, 2, 4, 5}));
+}
+
+TEST(TtupleVectorDeathTest, BadIndicesPrintTheFixedLinesAndAbort) {
+    TtupleVector points(3, 2, 0.0);
+    EXPECT_DEATH(points[2], "\\*\\*\\*\\* Bounds checking \\( bad index, 2 \\) in FILE "
+                            "auto/containers/TtupleVector.cpp LINE 36\n");
+    TtupleMatrix grid(2, 2, 3, 0.0);
+    EXPECT_DEATH(grid.bcval(2, 0), "\\( bad row, 2 \\) in FILE auto/containers/TtupleMatrix.cpp "
+                                   "LINE 37\n");
+    EXPECT_DEATH(grid.bcval(0, -1), "\\( bad column, -1 \\) in FILE "
+                                    "auto/containers/TtupleMatrix.cpp LINE 41\n");
+}
+
+TEST(TtupleMatrix, TuplesAreColumnMajorAndComponentsRoundTrip) {
+    TtupleMatrix grid(2, 2, 3, DoubleVec(12, 0.0, 1.0));
+    EXPECT_EQ(grid(1, 0), vec({2, 3}));
+    EXPECT_EQ(grid(0, 1), vec({4, 5}));
+    EXPECT_EQ(grid.row(1), vec({2, 3, 6, 7, 10, 11}));
+    EXPECT_EQ(grid.column(2), vec({8, 9, 10, 11}));
+    DoubleGenMat x = grid.component(0);
+    EXPECT_EQ(x(1, 2), 10.0);
+    x += 100.0;
+    EXPECT_EQ(grid.setComponent(0, x), 1);
+    EXPECT_EQ(grid(1, 2), vec({110, 11}));
+    EXPECT_EQ(grid.setComponent(2, x), 0);
+    TtupleMatrix picked = grid.cols(IntVec(2, 2, -2)); // columns 2 and 0
+    EXPECT_EQ(picked(0, 1), vec({100, 1}));
+    grid.bcref(0, 0)(1) = -1.0;
+    EXPECT_EQ(picked(0, 1), vec({100, 1})) << "sub-matrices are copies";
+    EXPECT_EQ(grid.rows(IntVec(1, 1)).rowVector(0).points(), 3);
+}

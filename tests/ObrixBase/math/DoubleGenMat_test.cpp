@@ -1,0 +1,258 @@
+#include "ObrixBase/math/DoubleGenMat.h"
+
+#include <random>
+#include <sstream>
+
+#include <gtest/gtest.h>
+
+#include "ObrixBase/math/DoubleSymMat.h"
+#include "ObrixBase/math/DoubleTriMat.h"
+#include "ObrixBase/math/VecFunctions.h"
+#include "tests/support/MathErrorCapture.h"
+
+using obrix::test::MathErrorCapture;
+
+namespace {
+
+DoubleGenMat randomMatrix(std::mt19937& rng, unsigned rows, unsigned cols) {
+    std::uniform_real_distribution<double> value(-1.0, 1.0);
+    DoubleGenMat m(rows, cols);
+    for (unsigned j = 0; j < cols; ++j)
+        for (unsigned i = 0; i < rows; ++i)
+            m(static_cast<int>(i), static_cast<int>(j)) = value(rng);
+    return m;
+}
+
+// (A x B)(i, j) by the textbook triple loop, in index order.
+double naiveElement(const DoubleGenMat& a, const DoubleGenMat& b, int i, int j) {
+    double sum = 0.0;
+    for (int k = 0; k < static_cast<int>(a.cols()); ++k)
+        sum += a(i, k) * b(k, j);
+    return sum;
+}
+
+template <class M>
+std::string printed(const M& m) {
+    std::ostringstream out;
+    out << m;
+    return out.str();
+}
+
+} // namespace
+
+TEST(DoubleGenMat, RowsColumnsAndDiagonalsAreSharedViews) {
+    DoubleGenMat m(3, 4);
+    for (int j = 0; j < 4; ++j)
+        for (int i = 0; i < 3; ++i)
+            m(i, j) = 10 * i + j;
+    EXPECT_EQ(m.data()[3 * 2 + 1], 12.0) << "column-major";
+    DoubleVec r = m.row(1);
+    EXPECT_EQ(r, DoubleVec(4, 10.0, 1.0));
+    EXPECT_EQ(m.diagonal(1), DoubleVec(3, 1.0, 11.0));
+    m.col(3) = 0.0;
+    EXPECT_EQ(r(3), 0.0);
+    EXPECT_EQ(m.diagonal(0).length(), 3u);
+    EXPECT_EQ(m.diagonal(-2).length(), 1u);
+    EXPECT_EQ(m.diagonal(-2)(0), 20.0);
+    DoubleGenMat square(3, 3, 0.0);
+    EXPECT_EQ(square.diagonal(1).length(), 2u);
+    EXPECT_EQ(square.diagonal(-2).length(), 1u);
+    square.diagonal() = 1.0;
+    EXPECT_EQ(square(2, 2), 1.0);
+    EXPECT_EQ(square(1, 2), 0.0);
+
+    DoubleGenMat shallow(m);
+    shallow(0, 0) = -5.0;
+    EXPECT_EQ(m(0, 0), -5.0);
+    DoubleGenMat deep = m.copy();
+    deep(0, 0) = 1.0;
+    EXPECT_EQ(m(0, 0), -5.0);
+}
+
+TEST(DoubleGenMat, ChecksReportTheirExactMessages) {
+    MathErrorCapture capture;
+    DoubleGenMat m(2, 3, 0.0);
+    m.bcval(2, 0);
+    m.bcrow(2);
+    m.bccol(-1);
+    m.bcdiagonal(3);
+    m.bcdiagonal(-2);
+    DoubleGenMat(DoubleVec(5, 0.0), 2, 3);
+    product(m, DoubleGenMat(2, 3, 0.0));
+    product(m, DoubleVec(2, 0.0));
+    product(DoubleVec(3, 0.0), m);
+    m += DoubleGenMat(3, 2, 0.0);
+    IntVec rows(2, 0);
+    rows(1) = 2;
+    m(rows, IntVec(1, 0));
+    EXPECT_EQ(capture.messages(),
+              (std::vector<std::string>{
+                  "Element (2x0) not in matrix of size (2x3)",
+                  "Row (2) not in matrix with 2 rows",
+                  "Column (-1) not in matrix with 3 columns",
+                  "Diagonal 3 not in DoubleGenMat matrix of size (2x3)",
+                  "Diagonal -2 not in DoubleGenMat matrix of size (2x3)",
+                  "Wrong number of points (5) for 2x3 DoubleGenMat",
+                  "inner product not possible DoubleGenMat matrices (2,3) and (2x3)",
+                  "inner product not possible between DoubleGenMat (2x3) and vector (2)",
+                  "inner product not possible vector(3) and DoubleGenMat (2x3)",
+                  "Matrix sizes don't match (2x3) vs (3x2)",
+                  "Matrix pick out of range: index 2 not in 0->1",
+              }));
+    for (const auto& e : capture.errors())
+        EXPECT_EQ(e.tag, MATH_TAG_SHORTHAND);
+}
+
+TEST(DoubleGenMat, ProductsMatchTheNaiveTripleLoopOnRandomShapes) {
+    std::mt19937 rng(1234);
+    std::uniform_int_distribution<unsigned> dim(0, 9);
+    for (int trial = 0; trial < 60; ++trial) {
+        const unsigned m = dim(rng), k = dim(rng), n = dim(rng);
+        const DoubleGenMat a = randomMatrix(rng, m, k);
+        const DoubleGenMat b = randomMatrix(rng, k, n);
+        const DoubleGenMat c = product(a, b);
+        const DoubleGenMat ct = transposeProduct(transpose(a), b);
+        const DoubleGenMat cb = transProduct(a, transpose(b));
+        ASSERT_EQ(c.rows(), m);
+        ASSERT_EQ(c.cols(), n);
+        for (int i = 0; i < static_cast<int>(m); ++i)
+            for (int j = 0; j < static_cast<int>(n); ++j) {
+                const double expected = naiveElement(a, b, i, j);
+                EXPECT_NEAR(c(i, j), expected, 1e-13) << m << "x" << k << "x" << n;
+                // Every element is the library's own dot of a row and a column, bit for bit.
+                EXPECT_EQ(c(i, j), dot(a.row(i), b.col(j)));
+                EXPECT_EQ(ct(i, j), c(i, j));
+                EXPECT_EQ(cb(i, j), c(i, j));
+            }
+        const DoubleVec x = randomMatrix(rng, k, 1).col(0);
+        const DoubleVec ax = product(a, x);
+        const DoubleVec xa = product(randomMatrix(rng, 1, m).row(0), a);
+        ASSERT_EQ(ax.length(), m);
+        ASSERT_EQ(xa.length(), k);
+        for (int i = 0; i < static_cast<int>(m); ++i)
+            EXPECT_EQ(ax(i), dot(a.row(i), x));
+    }
+    // A strided left operand (rows of a bigger matrix) gives the same product.
+    const DoubleGenMat big = randomMatrix(rng, 8, 8);
+    const DoubleGenMat strided(big.row(1), 1, 8);
+    EXPECT_EQ(product(strided, big), product(strided.copy(), big));
+}
+
+TEST(DoubleGenMat, IntegerProductsAndKronecker) {
+    const int av[] = {1, 2, 3, 4}; // [[1 3] [2 4]]
+    IntGenMat a(av, 2, 2);
+    IntGenMat p = product(a, a);
+    EXPECT_EQ(p(0, 0), 7);
+    EXPECT_EQ(p(0, 1), 15);
+    EXPECT_EQ(p(1, 0), 10);
+    EXPECT_EQ(p(1, 1), 22);
+    IntGenMat k = kronecker(a, IntGenMat(1, 2, 1));
+    ASSERT_EQ(k.rows(), 2u);
+    ASSERT_EQ(k.cols(), 4u);
+    EXPECT_EQ(k(1, 2), 4);
+    EXPECT_EQ(k(1, 3), 4);
+    EXPECT_EQ(k(0, 1), 1);
+    const double dv[] = {2.9, -2.9, -0.5, 0.5};
+    IntGenMat truncated = toInt(DoubleGenMat(dv, 2, 2));
+    EXPECT_EQ(truncated(0, 0), 2);
+    EXPECT_EQ(truncated(1, 0), -2);
+    EXPECT_EQ(truncated(0, 1), 0);
+    EXPECT_EQ(truncated(1, 1), 0);
+}
+
+TEST(DoubleGenMat, ResizeKeepsTheTopLeftAndStreamsRoundTrip) {
+    const double v[] = {1, 2, 3, 4, 5, 6}; // 2 x 3
+    DoubleGenMat m(v, 2, 3);
+    m.resize(3, 2);
+    EXPECT_EQ(printed(m), "3x2 [\n1 3 \n2 4 \n0 0 \n]");
+    EXPECT_EQ(printed(DoubleGenMat()), "0x0 [\n]");
+    std::ostringstream wide;
+    wide.width(3);
+    wide << IntGenMat(1, 2, 7);
+    EXPECT_EQ(wide.str(), "1x2 [\n  7   7 \n]");
+
+    DoubleGenMat back;
+    std::istringstream in(printed(m));
+    in >> back;
+    EXPECT_FALSE(in.fail());
+    EXPECT_EQ(back, m);
+    for (const char* bad :
+         {"2x2 [ 1 2 3 ]", "2 2 [ 1 2 3 4 ]", "4000000000x4000000000 [ 1 ]", "1x1 [ 1 2"}) {
+        DoubleGenMat kept(1, 1, 5.0);
+        std::istringstream text(bad);
+        text >> kept;
+        EXPECT_TRUE(text.fail()) << bad;
+        EXPECT_EQ(kept, DoubleGenMat(1, 1, 5.0)) << bad;
+    }
+}
+
+TEST(DoublePackedMat, PackingConversionsAndLeadingSubmatrices) {
+    DoubleGenMat a(3, 3, 0.0);
+    a(0, 1) = 1.0;
+    a(1, 0) = 3.0;
+    a(2, 2) = 4.0;
+    DoubleSymMat s = toSymMat(a);
+    EXPECT_EQ(s(0, 1), 2.0);
+    EXPECT_EQ(s(1, 0), 2.0);
+    EXPECT_EQ(s.dataVec()(DoubleSymMat::index(0, 1)), 2.0);
+    EXPECT_EQ(DoubleGenMat(s)(1, 0), 2.0);
+
+    DoubleLowerTriMat l = toLowerTriMat(a);
+    EXPECT_EQ(l(1, 0), 3.0);
+    EXPECT_EQ(l(0, 1), 0.0);
+    EXPECT_EQ(DoubleGenMat(l)(0, 1), 0.0);
+    DoubleUpperTriMat u = transpose(l);
+    EXPECT_EQ(u(0, 1), 3.0) << "the transpose re-labels the same storage";
+    EXPECT_EQ(u.dataVec().block(), l.dataVec().block());
+
+    MathErrorCapture capture;
+    l.bcset(0, 1, 9.0);
+    EXPECT_EQ(l(0, 1), 0.0);
+    l(0, 1) = 7.0; // writes to the constant zero change nothing
+    EXPECT_EQ(l.bcval(0, 1), 0.0);
+    u.bcset(2, 1, 1.0);
+    DoubleSymMat(2, 3);
+    DoubleLowerTriMat(DoubleVec(5, 0.0), 3, 3);
+    s.leadingSubmatrix(4);
+    s.boundsCheck(3, 0);
+    EXPECT_EQ(capture.messages(), (std::vector<std::string>{
+                                      "Can't change element (0,1) of DoubleLowerTriMat",
+                                      "Can't change element (2,1) of DoubleUpperTriMat",
+                                      "2x3 matrix not square",
+                                      "Wrong number of points (5) for 3x3 DoubleLowerTriMat",
+                                      "cant build order 4 leading submatrix of order 3 matrix",
+                                      "Element (3x0) not in matrix of size (3x3)",
+                                  }));
+    capture.clear();
+
+    DoubleSymMat lead = s.leadingSubmatrix(2);
+    lead(1, 1) = 8.0;
+    EXPECT_EQ(s(1, 1), 8.0) << "the leading block is a view";
+    s.resize(2, 2);
+    EXPECT_EQ(s.order(), 2u);
+    EXPECT_EQ(s(0, 1), 2.0);
+    EXPECT_EQ(s(1, 1), 8.0);
+    EXPECT_EQ(printed(s), "2x2 [\n0 2 \n2 8 \n]");
+}
+
+TEST(DoublePackedMat, VectorProductsWalkOnlyTheStoredTriangle) {
+    std::mt19937 rng(99);
+    for (unsigned n : {0u, 1u, 2u, 5u, 9u}) {
+        const DoubleGenMat a = randomMatrix(rng, n, n);
+        const DoubleVec x = randomMatrix(rng, n, 1).col(0);
+        const DoubleSymMat s = toSymMat(a);
+        const DoubleLowerTriMat l = toLowerTriMat(a);
+        const DoubleUpperTriMat u = toUpperTriMat(a);
+        auto near = [n](const DoubleVec& got, const DoubleVec& want) {
+            ASSERT_EQ(got.length(), n);
+            for (int i = 0; i < static_cast<int>(n); ++i)
+                EXPECT_NEAR(got(i), want(i), 1e-13);
+        };
+        near(product(s, x), product(DoubleGenMat(s), x));
+        near(product(x, s), product(x, DoubleGenMat(s)));
+        near(product(l, x), product(DoubleGenMat(l), x));
+        near(product(x, l), product(x, DoubleGenMat(l)));
+        near(product(u, x), product(DoubleGenMat(u), x));
+        near(product(x, u), product(x, DoubleGenMat(u)));
+    }
+}

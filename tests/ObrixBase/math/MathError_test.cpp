@@ -1,0 +1,111 @@
+#include "ObrixBase/math/MathError.h"
+
+#include <gtest/gtest.h>
+
+#include "ObrixBase/math/DoubleVec.h"
+#include "tests/support/MathErrorCapture.h"
+#include "tests/support/ReportCapture.h"
+
+using obrix::test::MathErrorCapture;
+using obrix::test::ReportCapture;
+
+TEST(MathErrorHandler, DefaultHandlerReportsAndContinuesForZeroVec) {
+    ReportCapture reports;
+    DoubleVec empty;
+    empty.emptyErr("maxIndex");
+    EXPECT_EQ(reports.texts(),
+              (std::vector<std::string>{"** ", "[ZEROVEC: DoubleVec]: maxIndex: vector is empty",
+                                        ".\n", "** Processing continues.\n"}));
+}
+
+TEST(MathErrorHandler, SeverityRequestOverridesTheEntryDefault) {
+    ReportCapture reports;
+    // INDEX terminates by default; a request of 0 makes it continue.
+    mathErrorRaise(MathError{MATH_INDEX, MATH_CONTINUE, 0}, "IntVec", 7, 2u);
+    EXPECT_EQ(reports.joined(), "** [INDEX: IntVec]: Index (7) out of range [0->2].\n"
+                                "** Processing continues.\n");
+    reports.clear();
+    mathErrorRaise(MathError{0, MATH_TERMINATE, 0});
+    EXPECT_TRUE(reports.reports().empty()) << "code 0 is ignored";
+}
+
+TEST(MathErrorHandlerDeathTest, TerminateClassErrorAbortsAfterTheMessage) {
+    EXPECT_DEATH(
+        {
+            DoubleVec v(3, 0.0);
+            v.boundsCheck(-1);
+        },
+        // The default sink puts each report on its own line.
+        "\\[INDEX: DoubleVec\\]: Index \\(-1\\) out of range \\[0->2\\]\n\\.\n"
+        "\\*\\* Processing terminated\\.");
+    EXPECT_DEATH(mathErrorRaise(MathError{MATH_ZEROVEC, MATH_TERMINATE, 0}, "f", "g"),
+                 "Processing terminated");
+}
+
+TEST(MathErrorHandlerDeathTest, UnregisteredCatalogueAbortsWithTheNumber) {
+    EXPECT_DEATH(mathErrorRaise(std::uint16_t{0x7003}), "Error number 0x7003\\.");
+}
+
+TEST(MathErrorHandler, ReplacementHandlerSeesRecordAndFormattedArguments) {
+    MathErrorCapture capture;
+    mathErrorRaise(std::uint16_t{MATX_BOUNDS}, 2, 0, 2u, 3u);
+    ASSERT_EQ(capture.errors().size(), 1u);
+    const auto& e = capture.errors()[0];
+    EXPECT_EQ(e.code, MATX_BOUNDS);
+    EXPECT_EQ(e.severity, MATH_DEFAULT);
+    EXPECT_EQ(e.tag, MATH_TAG_SHORTHAND);
+    EXPECT_EQ(e.message, "Element (2x0) not in matrix of size (2x3)");
+    MathErrorHandler mine = setMathErrorHandler(nullptr);
+    EXPECT_NE(mine, &defaultMathErrorHandler);
+    EXPECT_EQ(setMathErrorHandler(mine), &defaultMathErrorHandler);
+}
+
+TEST(MathCatalogues, CataloguesThreeAndFourAreRegisteredWithTheirDefaults) {
+    EXPECT_GE(RWMATHInit::count(), 1u);
+    EXPECT_GE(RWMATXInit::count(), 1u);
+    EXPECT_EQ(mathErrorDefaultSeverity(MATH_ZEROSD), MATH_CONTINUE);
+    EXPECT_EQ(mathErrorDefaultSeverity(MATH_ZEROVEC), MATH_CONTINUE);
+    EXPECT_EQ(mathErrorDefaultSeverity(MATH_BADROOT), MATH_TERMINATE);
+    EXPECT_STREQ(mathErrorFormat(MATH_BADROOT), "[BADROOT: %s]: Zero'th root of 1 requested");
+    EXPECT_EQ(mathErrorFormat(0x3014), nullptr) << "catalogue 3 has 20 entries";
+    EXPECT_EQ(mathErrorDefaultSeverity(MATX_INTERNAL), MATH_CONTINUE);
+    for (std::uint16_t c = MATX_NOTSYM; c <= MATX_NOTTRIDIAG; ++c)
+        EXPECT_EQ(mathErrorDefaultSeverity(c), MATH_CONTINUE) << std::hex << c;
+    EXPECT_STREQ(mathErrorFormat(MATX_RESTORE), "Restoring %s, data vector len %d, expected %u");
+    EXPECT_EQ(mathErrorFormat(0x401A), nullptr) << "catalogue 4 has 26 entries";
+}
+
+TEST(MathCatalogues, CountedRegistrationLinksOnceAndUnlinksOnLastRelease) {
+    static const MathMessage entries[] = {{MATH_CONTINUE, "first %d"}};
+    static MessageCatalogue catalogue{9, entries, 1, nullptr};
+    std::uint16_t counter = 0;
+    mathCatalogueAcquire(counter, &catalogue);
+    mathCatalogueAcquire(counter, &catalogue);
+    mathCatalogueRegister(&catalogue); // already linked: no second node, no cycle
+    int links = 0;
+    for (const MessageCatalogue* c = mathCatalogueList(); c != nullptr; c = c->next)
+        links += c == &catalogue;
+    EXPECT_EQ(links, 1);
+    EXPECT_STREQ(mathErrorFormat(0x9000), "first %d");
+    mathCatalogueRelease(counter, 9);
+    EXPECT_NE(mathErrorFormat(0x9000), nullptr);
+    mathCatalogueRelease(counter, 9);
+    EXPECT_EQ(counter, 0u);
+    EXPECT_EQ(mathErrorFormat(0x9000), nullptr);
+    EXPECT_NE(mathErrorFormat(MATH_INDEX), nullptr) << "other catalogues stay linked";
+}
+
+TEST(RWBlock, ReferencesCountViewsAndTheLastReleaseFrees) {
+    DoubleVec v(4, 1.0);
+    RWBlock* block = v.block();
+    EXPECT_EQ(block->references(), 1u);
+    {
+        DoubleVec shallow(v);
+        DoubleVec slice = v.slice(1, 2, 1);
+        EXPECT_EQ(block->references(), 3u);
+    }
+    EXPECT_EQ(block->references(), 1u);
+    RWBlock* empty = new RWBlock(0, 8);
+    EXPECT_EQ(empty->data(), nullptr);
+    RWBlock::release(empty); // ASan reports the leak if the block outlived this
+}

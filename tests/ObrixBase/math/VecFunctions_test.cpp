@@ -1,0 +1,120 @@
+#include "ObrixBase/math/VecFunctions.h"
+
+#include <cmath>
+#include <limits>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/MathErrorCapture.h"
+
+using obrix::test::MathErrorCapture;
+
+namespace {
+
+DoubleVec vec(std::initializer_list<double> values) {
+    return DoubleVec(values.begin(), static_cast<unsigned>(values.size()));
+}
+
+template <class T>
+std::vector<T> elements(const NumVec<T>& v) {
+    std::vector<T> out;
+    for (unsigned i = 0; i < v.length(); ++i)
+        out.push_back(v(static_cast<int>(i)));
+    return out;
+}
+
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+
+} // namespace
+
+TEST(VecFunctions, SequencesAndReductionsFollowIndexOrder) {
+    EXPECT_EQ(elements(delta(vec({5, 7, 10}))), (std::vector<double>{5, 2, 3}));
+    EXPECT_EQ(elements(cumsum(vec({1, 2, 3}))), (std::vector<double>{1, 3, 6}));
+    EXPECT_EQ(elements(reverse(IntVec(3, 1, 1))), (std::vector<int>{3, 2, 1}));
+    EXPECT_EQ(sum(DoubleVec()), 0.0);
+    EXPECT_EQ(prod(DoubleVec()), 1.0);
+    EXPECT_EQ(dot(DoubleVec(), DoubleVec()), 0.0);
+    // In index order 1e16 + 1 + 1 loses both ones; any other grouping would keep them.
+    EXPECT_EQ(sum(vec({1e16, 1, 1})), 1e16);
+    EXPECT_EQ(sum(vec({1, 1, 1e16})), 1e16 + 2);
+    EXPECT_EQ(variance(vec({1, 3})), 1.0);
+    EXPECT_EQ(mean(vec({1, 2, 6})), 3.0);
+    EXPECT_TRUE(std::isnan(mean(DoubleVec())));
+    // Integer results have the element type and wrap.
+    const signed char big[] = {100, 100};
+    EXPECT_EQ(sum(SCharVec(big, 2)), static_cast<signed char>(-56));
+    EXPECT_EQ(prod(IntVec(3, 4)), 64);
+    EXPECT_EQ(dot(IntVec(3, 2), IntVec(3, 1, 1)), 12);
+    EXPECT_EQ(elements(abs(SCharVec(2, -2, 3))), (std::vector<signed char>{2, 1}));
+}
+
+TEST(VecFunctions, DotIsTheSameForAStridedViewAndItsCopy) {
+    DoubleVec v(23, 0.1, 0.37);
+    DoubleVec w(23, -3.0, 0.71);
+    const DoubleVec strided = v.slice(22, 7, -3);
+    const DoubleVec other = w.slice(0, 7, 3);
+    EXPECT_EQ(dot(strided, other), dot(strided.copy(), other.copy()));
+    double naive = 0.0;
+    for (int i = 0; i < 7; ++i)
+        naive += strided(i) * other(i);
+    EXPECT_NEAR(dot(strided, other), naive, 1e-12);
+}
+
+TEST(VecFunctions, ExtremaTakeTheFirstAndIgnoreNaN) {
+    EXPECT_EQ(maxIndex(vec({1, 3, 3, 2})), 1);
+    EXPECT_EQ(minIndex(vec({2, 1, 1})), 1);
+    EXPECT_EQ(maxIndex(vec({notANumber, 5, 7})), 0);
+    EXPECT_EQ(maxIndex(vec({1, notANumber, 7})), 2);
+    EXPECT_EQ(minValue(IntVec(4, 3, -2)), -3);
+    MathErrorCapture capture;
+    EXPECT_EQ(maxIndex(DoubleVec()), -1);
+    EXPECT_EQ(minIndex(IntVec()), -1);
+    EXPECT_TRUE(std::isnan(maxValue(DoubleVec())));
+    EXPECT_EQ(capture.messages(),
+              (std::vector<std::string>{"[ZEROVEC: DoubleVec]: maxIndex: vector is empty",
+                                        "[ZEROVEC: IntVec]: minIndex: vector is empty",
+                                        "[ZEROVEC: DoubleVec]: maxIndex: vector is empty"}));
+}
+
+TEST(VecFunctions, VarianceNeedsTwoPointsAndGoesOnWhenAllowed) {
+    MathErrorCapture capture;
+    EXPECT_EQ(variance(vec({4})), 0.0);
+    EXPECT_EQ(
+        capture.messages(),
+        (std::vector<std::string>{"[NPOINTS: DoubleVec]: Vector (1) Variance needs minimum of 2"}));
+    capture.clear();
+    atan2(vec({1, 2}), vec({1, 2, 3}));
+    EXPECT_EQ(
+        capture.messages(),
+        (std::vector<std::string>{"[VNMATCH: DoubleVec]: Vector lengths do not match (2 vs 3)"}));
+}
+
+TEST(VecFunctions, ElementFunctionsAndTruncation) {
+    EXPECT_EQ(elements(sqrt(vec({4, 9}))), (std::vector<double>{2, 3}));
+    EXPECT_TRUE(std::isnan(log(vec({-1}))(0))) << "no domain checks";
+    EXPECT_EQ(elements(pow(vec({2, 3}), vec({3, 2}))), (std::vector<double>{8, 9}));
+    EXPECT_EQ(elements(toInt(vec({2.9, -2.9, -0.5, 0.5}))), (std::vector<int>{2, -2, 0, 0}));
+    EXPECT_EQ(
+        elements(toInt(vec({notANumber, 1e300, -1e300}))),
+        (std::vector<int>{0, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}));
+}
+
+TEST(DoubleVecQueries, TolerancesIncludeEqualityAndEmptyIsEqual) {
+    DoubleVec v = vec({0.5, -0.1, 0.1, 2.0});
+    EXPECT_EQ(DoubleVec().isEqual(3.0, 0.0), 1);
+    EXPECT_EQ(v.countZero(0.1), 2);
+    EXPECT_EQ(elements(v.zeroIndex(0.1)), (std::vector<int>{1, 2}));
+    EXPECT_EQ(elements(v.nonZeroIndex(0.1)), (std::vector<int>{0, 3}));
+    EXPECT_EQ(elements(v.valueIndex(2.0, 0.0)), (std::vector<int>{3}));
+    EXPECT_EQ(elements(v.lessIndex(0.1)), (std::vector<int>{1}));
+    EXPECT_EQ(v.isEqual(0.5, 0.5), 0);
+    v.slice(1, 2).clampZero(0.1);
+    EXPECT_EQ(elements(v), (std::vector<double>{0.5, 0, 0, 2}));
+    DoubleVec zero(2, 0.0);
+    EXPECT_EQ(zero.normalise(), 0);
+    EXPECT_EQ(elements(zero), (std::vector<double>{0, 0}));
+    DoubleVec w = vec({3, 4});
+    EXPECT_EQ(w.vecLen(), 5.0);
+    EXPECT_EQ(w.normalise(), 1);
+    EXPECT_EQ(elements(w), (std::vector<double>{0.6000000000000001, 0.8}));
+}
