@@ -1,8 +1,8 @@
 // The blocked rank-k update C -= op(A)*B in the usual three-level form: B is packed in panels
 // of KC rows and NR-wide column slivers, A in MC x KC blocks of MR-high row slivers, and an
-// MR x NR register tile accumulates each product. The tile loop is compiled twice on x86-64,
-// for the baseline instruction set and for AVX2 with FMA, and the loader picks the clone the
-// processor supports, so the library stays portable without giving up the wide units.
+// MR x NR register tile accumulates each product. On x86-64 the tile loop is compiled for
+// the baseline instruction set, for AVX2 with FMA and for AVX-512, and the first call picks
+// what the processor supports, so the library stays portable without giving up wide units.
 #include "ObrixBase/math/kernels/blocked_internal.h"
 
 #include <algorithm>
@@ -18,12 +18,6 @@ constexpr int NR = 4;
 constexpr int KC = 256;
 constexpr int MC = 128;
 constexpr int NC = 2048;
-
-#if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__)
-#define OBRIX_WIDE_CLONES __attribute__((target_clones("arch=haswell", "default")))
-#else
-#define OBRIX_WIDE_CLONES
-#endif
 
 #if defined(__GNUC__)
 typedef double Vec4 __attribute__((vector_size(32)));
@@ -68,55 +62,141 @@ void packB(int kc, int nc, const double* b, int ldb, double* out) {
     }
 }
 
-} // namespace
-
-// C(mc x nc) -= packed A * packed B over kc. External linkage: the clone resolver needs it.
-OBRIX_WIDE_CLONES
-void macroKernel(int mc, int nc, int kc, const double* pa, const double* pb, double* c, int ldc) {
-    for (int j = 0; j < nc; j += NR) {
-        int nr = std::min(NR, nc - j);
-        const double* bs = pb + static_cast<long>(j / NR) * NR * kc;
-        for (int i = 0; i < mc; i += MR) {
-            int mr = std::min(MR, mc - i);
-            const double* as = pa + static_cast<long>(i / MR) * MR * kc;
-            double tile[NR][MR];
+// The product of one packed A sliver with `Slivers` consecutive packed B slivers over kc,
+// into tile. V is the vector type; Rows is how many rows one pass keeps in registers, so that
+// the accumulators fit the register file of the instruction set the caller is built for.
+template <class V, int Rows, int Slivers>
+OBRIX_ALWAYS_INLINE void tileProduct(int kc, const double* as, const double* bs, long sliverStride,
+                                     double (&tile)[Slivers * NR][MR]) {
 #if defined(__GNUC__)
-            Vec4 acc[NR][2] = {};
-            for (int l = 0; l < kc; ++l) {
-                Vec4 a0, a1;
-                std::memcpy(&a0, as + l * MR, sizeof a0);
-                std::memcpy(&a1, as + l * MR + 4, sizeof a1);
+    constexpr int W = static_cast<int>(sizeof(V) / sizeof(double));
+    for (int r0 = 0; r0 < MR; r0 += Rows) {
+        V acc[Slivers * NR][Rows / W] = {};
+        for (int l = 0; l < kc; ++l) {
+            V a[Rows / W];
+            for (int h = 0; h < Rows / W; ++h)
+                std::memcpy(&a[h], as + l * MR + r0 + W * h, sizeof(V));
+            for (int sl = 0; sl < Slivers; ++sl)
                 for (int jj = 0; jj < NR; ++jj) {
-                    double bv = bs[l * NR + jj];
-                    acc[jj][0] += a0 * bv;
-                    acc[jj][1] += a1 * bv;
+                    double bv = bs[sl * sliverStride + l * NR + jj];
+                    for (int h = 0; h < Rows / W; ++h)
+                        acc[sl * NR + jj][h] += a[h] * bv;
                 }
-            }
-            for (int jj = 0; jj < NR; ++jj) {
-                std::memcpy(&tile[jj][0], &acc[jj][0], sizeof(Vec4));
-                std::memcpy(&tile[jj][4], &acc[jj][1], sizeof(Vec4));
-            }
+        }
+        for (int jj = 0; jj < Slivers * NR; ++jj)
+            for (int h = 0; h < Rows / W; ++h)
+                std::memcpy(&tile[jj][r0 + W * h], &acc[jj][h], sizeof(V));
+    }
 #else
+    for (int jj = 0; jj < Slivers * NR; ++jj)
+        for (int ii = 0; ii < MR; ++ii)
+            tile[jj][ii] = 0.0;
+    for (int l = 0; l < kc; ++l)
+        for (int sl = 0; sl < Slivers; ++sl)
             for (int jj = 0; jj < NR; ++jj)
                 for (int ii = 0; ii < MR; ++ii)
-                    tile[jj][ii] = 0.0;
-            for (int l = 0; l < kc; ++l)
-                for (int jj = 0; jj < NR; ++jj)
-                    for (int ii = 0; ii < MR; ++ii)
-                        tile[jj][ii] += as[l * MR + ii] * bs[l * NR + jj];
+                    tile[sl * NR + jj][ii] += as[l * MR + ii] * bs[sl * sliverStride + l * NR + jj];
 #endif
-            double* cij = c + i + static_cast<long>(j) * ldc;
-            if (mr == MR && nr == NR) {
-                for (int jj = 0; jj < NR; ++jj)
-                    for (int ii = 0; ii < MR; ++ii)
-                        cij[ii + static_cast<long>(jj) * ldc] -= tile[jj][ii];
-            } else {
-                for (int jj = 0; jj < nr; ++jj)
-                    for (int ii = 0; ii < mr; ++ii)
-                        cij[ii + static_cast<long>(jj) * ldc] -= tile[jj][ii];
-            }
+}
+
+template <int Cols>
+OBRIX_ALWAYS_INLINE void subtractTile(const double (&tile)[Cols][MR], int mr, int nr, double* c,
+                                      int ldc) {
+    if (mr == MR && nr == Cols) {
+        for (int jj = 0; jj < Cols; ++jj)
+            for (int ii = 0; ii < MR; ++ii)
+                c[ii + static_cast<long>(jj) * ldc] -= tile[jj][ii];
+    } else {
+        for (int jj = 0; jj < nr; ++jj)
+            for (int ii = 0; ii < mr; ++ii)
+                c[ii + static_cast<long>(jj) * ldc] -= tile[jj][ii];
+    }
+}
+
+// C(mc x nc) -= packed A * packed B over kc, Slivers B slivers at a time where they remain.
+template <class V, int Rows, int Slivers>
+OBRIX_ALWAYS_INLINE void macroBody(int mc, int nc, int kc, const double* pa, const double* pb,
+                                   double* c, int ldc) {
+    const long sliverStride = static_cast<long>(NR) * kc;
+    int j = 0;
+    for (; Slivers > 1 && j + Slivers * NR <= nc; j += Slivers * NR) {
+        const double* bs = pb + (j / NR) * sliverStride;
+        for (int i = 0; i < mc; i += MR) {
+            double tile[Slivers * NR][MR];
+            tileProduct<V, Rows, Slivers>(kc, pa + (i / MR) * static_cast<long>(MR) * kc, bs,
+                                          sliverStride, tile);
+            subtractTile<Slivers * NR>(tile, std::min(MR, mc - i), Slivers * NR,
+                                       c + i + static_cast<long>(j) * ldc, ldc);
         }
     }
+    for (; j < nc; j += NR) {
+        const double* bs = pb + (j / NR) * sliverStride;
+        for (int i = 0; i < mc; i += MR) {
+            double tile[NR][MR];
+            tileProduct<V, (Rows < MR ? Rows : MR), 1>(
+                kc, pa + (i / MR) * static_cast<long>(MR) * kc, bs, sliverStride, tile);
+            subtractTile<NR>(tile, std::min(MR, mc - i), std::min(NR, nc - j),
+                             c + i + static_cast<long>(j) * ldc, ldc);
+        }
+    }
+}
+
+#if defined(__GNUC__)
+void macroKernelBaseline(int mc, int nc, int kc, const double* pa, const double* pb, double* c,
+                         int ldc) {
+    macroBody<Vec4, 4, 1>(mc, nc, kc, pa, pb, c, ldc);
+}
+#else
+void macroKernelBaseline(int mc, int nc, int kc, const double* pa, const double* pb, double* c,
+                         int ldc) {
+    macroBody<double, MR, 1>(mc, nc, kc, pa, pb, c, ldc);
+}
+#endif
+
+#if defined(__GNUC__) && defined(__x86_64__)
+typedef double Vec8 __attribute__((vector_size(64)));
+
+// The same loops for processors with wider units, chosen at run time: the library itself is
+// built for the baseline instruction set.
+__attribute__((target("avx2,fma"))) void macroKernelAvx2(int mc, int nc, int kc, const double* pa,
+                                                         const double* pb, double* c, int ldc) {
+    macroBody<Vec4, 8, 1>(mc, nc, kc, pa, pb, c, ldc);
+}
+__attribute__((target("avx512f,avx2,fma"))) void
+macroKernelAvx512(int mc, int nc, int kc, const double* pa, const double* pb, double* c, int ldc) {
+    macroBody<Vec8, 8, 2>(mc, nc, kc, pa, pb, c, ldc);
+}
+
+using MacroKernel = void (*)(int, int, int, const double*, const double*, double*, int);
+MacroKernel chooseMacroKernel() {
+    int level = simdLevel();
+    return level == 2 ? &macroKernelAvx512 : level == 1 ? &macroKernelAvx2 : &macroKernelBaseline;
+}
+#endif
+
+void macroKernel(int mc, int nc, int kc, const double* pa, const double* pb, double* c, int ldc) {
+#if defined(__GNUC__) && defined(__x86_64__)
+    static const MacroKernel chosen = chooseMacroKernel();
+    chosen(mc, nc, kc, pa, pb, c, ldc);
+#else
+    macroKernelBaseline(mc, nc, kc, pa, pb, c, ldc);
+#endif
+}
+
+} // namespace
+
+int simdLevel() {
+#if defined(__GNUC__) && defined(__x86_64__)
+    static const int level = [] {
+        __builtin_cpu_init();
+        if (__builtin_cpu_supports("avx512f"))
+            return 2;
+        return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma") ? 1 : 0;
+    }();
+    return level;
+#else
+    return 0;
+#endif
 }
 
 void gemmMinus(bool transA, int m, int n, int k, const double* a, int lda, const double* b, int ldb,

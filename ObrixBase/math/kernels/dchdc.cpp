@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cmath>
 #include <utility>
+#include <vector>
 
 #include "ObrixBase/math/kernels/blocked_internal.h"
 #include "ObrixBase/math/kernels/kernels.h"
@@ -39,6 +40,11 @@ void interchange(Upper A, int p, int k, int q) {
         std::swap(A(k, j), A(q, j));
 }
 
+std::vector<double>& diagonalScratch() {
+    thread_local std::vector<double> d;
+    return d;
+}
+
 // A(r0.., r0..)(upper) -= R(k0..k1, r0..)' * R(k0..k1, r0..): the panel's contribution to the
 // trailing matrix. Off-diagonal blocks go through the blocked update; the diagonal blocks are
 // formed element by element so that the strict lower triangle is never written.
@@ -51,9 +57,14 @@ void trailingUpdate(Upper A, int p, int k0, int k1, int r0) {
         int c1 = std::min(p, c0 + kCols);
         detail::gemmMinus(true, c0 - r0, c1 - c0, kb, &A(k0, r0), A.lda, &A(k0, c0), A.lda,
                           &A(r0, c0), A.lda);
-        for (int j = c0; j < c1; ++j)
-            for (int i = c0; i <= j; ++i)
-                A(i, j) -= ddot(kb, &A(k0, i), 1, &A(k0, j), 1);
+        // The diagonal block goes through scratch so the strict lower triangle stays as is.
+        int w = c1 - c0;
+        std::vector<double>& d = diagonalScratch();
+        d.assign(static_cast<size_t>(w) * w, 0.0);
+        detail::gemmMinus(true, w, w, kb, &A(k0, c0), A.lda, &A(k0, c0), A.lda, d.data(), w);
+        for (int j = 0; j < w; ++j)
+            for (int i = 0; i <= j; ++i)
+                A(c0 + i, c0 + j) += d[i + static_cast<size_t>(j) * w];
     }
 }
 
@@ -116,8 +127,10 @@ void dchdc(double* a, int lda, int p, double* work, int* jpvt, int job, int* inf
             A(k, k) = rkk;
             // Row k of R: A(k, j) less the panel rows above k, over R(k, k).
             int rows = k - k0;
+            const double* rk = &A(k0, k);
             for (int j = k + 1; j < p; ++j) {
-                double v = (A(k, j) - ddot(rows, &A(k0, k), 1, &A(k0, j), 1)) / rkk;
+                const double* rj = &A(k0, j);
+                double v = (A(k, j) - detail::dotContiguous(rk, rj, rows)) / rkk;
                 A(k, j) = v;
                 work[j] -= v * v;
             }

@@ -15,13 +15,24 @@ namespace {
 
 constexpr int kUnblockedOrder = 96;
 
+// Applies the row interchanges i <-> piv[i], i in [from, to), to ncols columns, column by
+// column: each column is walked once in memory instead of striding across rows.
+void swapRows(double* a, int lda, int ncols, const int* piv, int from, int to) {
+    for (int j = 0; j < ncols; ++j) {
+        double* col = a + static_cast<long>(j) * lda;
+        for (int i = from; i < to; ++i)
+            if (piv[i] != i)
+                std::swap(col[i], col[piv[i]]);
+    }
+}
+
 inline double& at(double* a, int lda, int i, int j) {
     return a[i + static_cast<long>(j) * lda];
 }
 
 // Column-oriented elimination producing the stored form directly: interchanges reach only
 // the columns to the right of the pivot column.
-void eliminate(double* a, int lda, int n, int* ipvt, int* info) {
+OBRIX_ALWAYS_INLINE void eliminateBody(double* a, int lda, int n, int* ipvt, int* info) {
     *info = 0;
     for (int k = 0; k < n - 1; ++k) {
         double* colk = &at(a, lda, 0, k);
@@ -32,19 +43,30 @@ void eliminate(double* a, int lda, int n, int* ipvt, int* info) {
             continue;
         }
         std::swap(colk[l], colk[k]);
-        dscal(n - k - 1, -1.0 / colk[k], colk + k + 1, 1);
+        const double scale = -1.0 / colk[k];
+        double* __restrict mult = colk + k + 1;
+        const int len = n - k - 1;
+        for (int i = 0; i < len; ++i)
+            mult[i] *= scale;
+        // The updates stay in this loop nest (no call per column): small matrices are
+        // dominated by that overhead otherwise.
         for (int j = k + 1; j < n; ++j) {
             double* colj = &at(a, lda, 0, j);
             double t = colj[l];
             colj[l] = colj[k];
             colj[k] = t;
-            daxpy(n - k - 1, t, colk + k + 1, 1, colj + k + 1, 1);
+            double* __restrict dst = colj + k + 1;
+            for (int i = 0; i < len; ++i)
+                dst[i] += t * mult[i];
         }
     }
     ipvt[n - 1] = n;
     if (at(a, lda, n - 1, n - 1) == 0.0)
         *info = n;
 }
+
+OBRIX_SIMD_DISPATCH(void, eliminate, (double* a, int lda, int n, int* ipvt, int* info),
+                    (a, lda, n, ipvt, info))
 
 // Recursive LU of the m x n panel (m >= n) with whole-row interchanges and positive
 // multipliers; piv receives 0-based rows relative to the panel. lastZero is the largest
@@ -70,17 +92,13 @@ void recursiveLU(double* a, int lda, int m, int n, int* piv, int base, int* last
     int n1 = n / 2, n2 = n - n1;
     recursiveLU(a, lda, m, n1, piv, base, lastZero);
     double* right = &at(a, lda, 0, n1);
-    for (int i = 0; i < n1; ++i)
-        if (piv[i] != i)
-            dswap(n2, right + i, lda, right + piv[i], lda);
+    swapRows(right, lda, n2, piv, 0, n1);
     detail::trsmLowerUnit(n1, n2, a, lda, right, lda);
     detail::gemmMinus(false, m - n1, n2, n1, a + n1, lda, right, lda, right + n1, lda);
     recursiveLU(right + n1, lda, m - n1, n2, piv + n1, base + n1, lastZero);
-    for (int i = n1; i < n; ++i) {
+    for (int i = n1; i < n; ++i)
         piv[i] += n1;
-        if (piv[i] != i)
-            dswap(n1, a + i, lda, a + piv[i], lda);
-    }
+    swapRows(a, lda, n1, piv, n1, n);
 }
 
 } // namespace

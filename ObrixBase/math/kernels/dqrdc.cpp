@@ -10,9 +10,30 @@
 #include <limits>
 #include <utility>
 
+#include "ObrixBase/math/kernels/blocked_internal.h"
 #include "ObrixBase/math/kernels/kernels.h"
 
 namespace qvObrixBase::kernels {
+
+namespace {
+
+// Applies H = I - v v'/v[0] to the columns xj of length len, each in one visit: the inner
+// product, then the update while the column is still in cache.
+OBRIX_ALWAYS_INLINE void reflectColumnsBody(const double* __restrict v, int len, double* x, int ldx,
+                                            int ncols) {
+    for (int j = 0; j < ncols; ++j) {
+        double* __restrict xj = x + static_cast<long>(j) * ldx;
+        double t = -detail::dotContiguous(v, xj, len) / v[0];
+        for (int i = 0; i < len; ++i)
+            xj[i] += t * v[i];
+    }
+}
+
+OBRIX_SIMD_DISPATCH(void, reflectColumns,
+                    (const double* __restrict v, int len, double* x, int ldx, int ncols),
+                    (v, len, x, ldx, ncols))
+
+} // namespace
 
 void dqrdc(double* x, int ldx, int n, int p, double* qraux, int* jpvt, double* work, int job) {
     auto col = [&](int j) { return x + static_cast<long>(j) * ldx; };
@@ -74,10 +95,10 @@ void dqrdc(double* x, int ldx, int n, int p, double* qraux, int* jpvt, double* w
             nrmxl = std::copysign(nrmxl, xl[0]);
         dscal(len, 1.0 / nrmxl, xl, 1);
         xl[0] += 1.0;
+        if (l + 1 < p)
+            reflectColumns(xl, len, col(l + 1) + l, ldx, p - l - 1);
         for (int j = l + 1; j < p; ++j) {
             double* xj = col(j) + l;
-            double t = -ddot(len, xl, 1, xj, 1) / xl[0];
-            daxpy(len, t, xl, 1, xj, 1);
             if (j < pl || j >= pu || qraux[j] == 0.0)
                 continue;
             double ratio = std::fabs(xj[0]) / qraux[j];

@@ -2,6 +2,7 @@
 // compiler can vectorise; other strides walk from the end the classic way for negative ones.
 #include <cmath>
 
+#include "ObrixBase/math/kernels/blocked_internal.h"
 #include "ObrixBase/math/kernels/kernels.h"
 
 namespace qvObrixBase::kernels {
@@ -29,20 +30,8 @@ void daxpy(int n, double a, const double* x, int incx, double* y, int incy) {
 double ddot(int n, const double* x, int incx, const double* y, int incy) {
     if (n <= 0)
         return 0.0;
-    if (incx == 1 && incy == 1) {
-        // Four partial sums let the loop vectorise without reassociation flags.
-        double s0 = 0, s1 = 0, s2 = 0, s3 = 0;
-        int i = 0;
-        for (; i + 4 <= n; i += 4) {
-            s0 += x[i] * y[i];
-            s1 += x[i + 1] * y[i + 1];
-            s2 += x[i + 2] * y[i + 2];
-            s3 += x[i + 3] * y[i + 3];
-        }
-        for (; i < n; ++i)
-            s0 += x[i] * y[i];
-        return (s0 + s1) + (s2 + s3);
-    }
+    if (incx == 1 && incy == 1)
+        return detail::dotContiguous(x, y, n);
     double s = 0.0;
     long ix = startOf(n, incx), iy = startOf(n, incy);
     for (int i = 0; i < n; ++i, ix += incx, iy += incy)
