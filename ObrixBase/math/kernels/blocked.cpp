@@ -6,6 +6,7 @@
 #include "ObrixBase/math/kernels/blocked_internal.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <vector>
 
@@ -189,9 +190,15 @@ int simdLevel() {
 #if defined(__GNUC__) && defined(__x86_64__)
     static const int level = [] {
         __builtin_cpu_init();
-        if (__builtin_cpu_supports("avx512f"))
-            return 2;
-        return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma") ? 1 : 0;
+        int widest = __builtin_cpu_supports("avx512f")                                    ? 2
+                     : __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma") ? 1
+                                                                                        : 0;
+        // OBRIX_KERNEL_SIMD=0 or 1 caps the choice, so the narrower paths can be tested and
+        // compared on a processor that has the wider ones.
+        if (const char* cap = std::getenv("OBRIX_KERNEL_SIMD"))
+            if (cap[0] >= '0' && cap[0] <= '2' && cap[1] == '\0')
+                widest = std::min(widest, cap[0] - '0');
+        return widest;
     }();
     return level;
 #else
