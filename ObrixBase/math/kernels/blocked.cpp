@@ -190,9 +190,9 @@ int simdLevel() {
 #if defined(__GNUC__) && defined(__x86_64__)
     static const int level = [] {
         __builtin_cpu_init();
-        int widest = __builtin_cpu_supports("avx512f")                                    ? 2
+        int widest = __builtin_cpu_supports("avx512f")                                 ? 2
                      : __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma") ? 1
-                                                                                        : 0;
+                                                                                       : 0;
         // OBRIX_KERNEL_SIMD=0 or 1 caps the choice, so the narrower paths can be tested and
         // compared on a processor that has the wider ones.
         if (const char* cap = std::getenv("OBRIX_KERNEL_SIMD"))
