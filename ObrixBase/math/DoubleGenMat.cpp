@@ -46,7 +46,8 @@ NumGenMat<T>::NumGenMat(const NumVec<T>& data, unsigned rows, unsigned cols)
 }
 
 template <class T>
-NumGenMat<T>::NumGenMat(const NumGenMat<int>& other) requires std::is_same_v<T, double>
+template <class U>
+requires obrix::DoubleOnly<U> NumGenMat<T>::NumGenMat(const NumGenMat<int>& other)
     : NumGenMat(other.rows(), other.cols()) {
     for (unsigned j = 0; j < ncols_; ++j)
         for (unsigned i = 0; i < nrows_; ++i)
@@ -68,19 +69,22 @@ void fillFromPacked(DoubleGenMat& full, const P& packed) {
 } // namespace
 
 template <class T>
-NumGenMat<T>::NumGenMat(const DoubleSymMat& m) requires std::is_same_v<T, double>
+template <class U>
+requires obrix::DoubleOnly<U> NumGenMat<T>::NumGenMat(const DoubleSymMat& m)
     : NumGenMat(m.order(), m.order()) {
     fillFromPacked(*this, m);
 }
 
 template <class T>
-NumGenMat<T>::NumGenMat(const DoubleLowerTriMat& m) requires std::is_same_v<T, double>
+template <class U>
+requires obrix::DoubleOnly<U> NumGenMat<T>::NumGenMat(const DoubleLowerTriMat& m)
     : NumGenMat(m.order(), m.order()) {
     fillFromPacked(*this, m);
 }
 
 template <class T>
-NumGenMat<T>::NumGenMat(const DoubleUpperTriMat& m) requires std::is_same_v<T, double>
+template <class U>
+requires obrix::DoubleOnly<U> NumGenMat<T>::NumGenMat(const DoubleUpperTriMat& m)
     : NumGenMat(m.order(), m.order()) {
     fillFromPacked(*this, m);
 }
@@ -277,9 +281,13 @@ void NumGenMat<T>::printOn(std::ostream& out) const {
 
 template <class T>
 void NumGenMat<T>::scanFrom(std::istream& in) {
-    unsigned rows = 0, cols = 0;
+    // The dimensions are read wide, so that a sign or an overflow is malformed input rather
+    // than a wrapped unsigned count.
+    long long rows = -1, cols = -1;
     char times = 0;
-    if (!(in >> rows >> times >> cols) || times != 'x') {
+    constexpr long long maxDimension = 0xFFFFFFFFLL;
+    if (!(in >> rows >> times >> cols) || times != 'x' || rows < 0 || cols < 0 ||
+        rows > maxDimension || cols > maxDimension) {
         in.setstate(std::ios::failbit);
         return;
     }
@@ -287,16 +295,17 @@ void NumGenMat<T>::scanFrom(std::istream& in) {
     // than the text holds never allocates for it and malformed input changes nothing.
     NumVec<T> elements;
     elements.scanFrom(in);
-    const unsigned long long expected = static_cast<unsigned long long>(rows) * cols;
-    if (!in || expected != elements.length()) {
+    if (!in || static_cast<unsigned long long>(rows) * static_cast<unsigned long long>(cols) !=
+                   elements.length()) {
         in.setstate(std::ios::failbit);
         return;
     }
-    NumGenMat fresh(rows, cols);
-    unsigned k = 0;
-    for (unsigned i = 0; i < rows; ++i)
-        for (unsigned j = 0; j < cols; ++j)
-            fresh(static_cast<int>(i), static_cast<int>(j)) = elements(static_cast<int>(k++));
+    const unsigned r = static_cast<unsigned>(rows), c = static_cast<unsigned>(cols);
+    NumGenMat fresh(r, c);
+    // Column by column: a matrix without columns (but perhaps very many rows) costs nothing.
+    for (unsigned j = 0; j < c; ++j)
+        for (unsigned i = 0; i < r; ++i)
+            fresh(static_cast<int>(i), static_cast<int>(j)) = elements(static_cast<int>(i * c + j));
     reference(fresh);
 }
 
@@ -406,7 +415,7 @@ NumGenMat<T> operator/(std::type_identity_t<T> s, const NumGenMat<T>& a) {
 
 template <class T>
 NumGenMat<T> abs(const NumGenMat<T>& m) {
-    return m.apply([](T x) { return x < 0 ? static_cast<T>(-x) : x; });
+    return m.apply([](T x) { return obrix::detail::absoluteValue(x); });
 }
 
 namespace {
@@ -556,8 +565,8 @@ std::istream& operator>>(std::istream& in, NumGenMat<T>& m) {
 }
 
 #define OBRIX_INSTANTIATE_MATRIX(T)                                                                \
-    template class NumGenMat<T>;                                                                   \
-    template class NumGenMatPick<T>;                                                               \
+    template class OBRIX_INSTANTIATION_API NumGenMat<T>;                                           \
+    template class OBRIX_INSTANTIATION_API NumGenMatPick<T>;                                       \
     template NumGenMat<T> operator-(const NumGenMat<T>&);                                          \
     template NumGenMat<T> operator+(const NumGenMat<T>&, const NumGenMat<T>&);                     \
     template NumGenMat<T> operator-(const NumGenMat<T>&, const NumGenMat<T>&);                     \
@@ -584,3 +593,8 @@ std::istream& operator>>(std::istream& in, NumGenMat<T>& m) {
 
 OBRIX_INSTANTIATE_MATRIX(double)
 OBRIX_INSTANTIATE_MATRIX(int)
+
+template DoubleGenMat::NumGenMat(const IntGenMat&);
+template DoubleGenMat::NumGenMat(const DoubleSymMat&);
+template DoubleGenMat::NumGenMat(const DoubleLowerTriMat&);
+template DoubleGenMat::NumGenMat(const DoubleUpperTriMat&);

@@ -49,12 +49,20 @@ public:
     /// Shares `data`'s block; raises 0x400A unless its length is rows * cols.
     NumGenMat(const NumVec<T>& data, unsigned rows, unsigned cols);
     /// Element-wise conversion from an IntGenMat (a new matrix).
-    explicit NumGenMat(const NumGenMat<int>& other) requires std::is_same_v<T, double>;
+    template <class U = T>
+    requires obrix::DoubleOnly<U>
+    explicit NumGenMat(const NumGenMat<int>& other);
     /// The full matrix of a packed one: both triangles of a symmetric matrix, zeros in the
     /// empty triangle of a triangular one.
-    explicit NumGenMat(const DoubleSymMat& m) requires std::is_same_v<T, double>;
-    explicit NumGenMat(const DoubleLowerTriMat& m) requires std::is_same_v<T, double>;
-    explicit NumGenMat(const DoubleUpperTriMat& m) requires std::is_same_v<T, double>;
+    template <class U = T>
+    requires obrix::DoubleOnly<U>
+    explicit NumGenMat(const DoubleSymMat& m);
+    template <class U = T>
+    requires obrix::DoubleOnly<U>
+    explicit NumGenMat(const DoubleLowerTriMat& m);
+    template <class U = T>
+    requires obrix::DoubleOnly<U>
+    explicit NumGenMat(const DoubleUpperTriMat& m);
     /// Gathers the picked elements into a new matrix.
     NumGenMat(const NumGenMatPick<T>& pick);
     ~NumGenMat() = default;

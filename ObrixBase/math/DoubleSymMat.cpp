@@ -53,7 +53,7 @@ void DoublePackedMat::reshapePacked(unsigned n, unsigned m) {
 DoubleVec DoublePackedMat::leadingElements(int k) const {
     if (k < 0 || static_cast<unsigned>(k) > n_)
         mathErrorRaise(MATX_LEADSUB, k, n_);
-    const unsigned kk = static_cast<unsigned>(k);
+    const unsigned kk = k < 0 ? 0u : static_cast<unsigned>(k);
     return DoubleVec(vec_, 0, packedLength(kk), 1);
 }
 
@@ -85,7 +85,8 @@ DoubleSymMat DoubleSymMat::copy() const {
 
 DoubleSymMat DoubleSymMat::leadingSubmatrix(int k) const {
     const DoubleVec leading = leadingElements(k);
-    return DoubleSymMat(leading, static_cast<unsigned>(k), static_cast<unsigned>(k));
+    const unsigned order = k < 0 ? 0u : static_cast<unsigned>(k);
+    return DoubleSymMat(leading, order, order);
 }
 
 DoubleSymMat toSymMat(const DoubleGenMat& a) {

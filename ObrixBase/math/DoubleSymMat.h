@@ -13,6 +13,7 @@
 #include "ObrixBase/ObrixExport.h"
 #include "ObrixBase/math/DoubleGenMat.h"
 #include "ObrixBase/math/DoubleVec.h"
+#include "ObrixBase/math/VecFunctions.h"
 
 /// What the packed classes share: the packed vector, the order, the checks and resizing.
 class OBRIX_API DoublePackedMat {
@@ -54,7 +55,8 @@ protected:
     void resizePacked(unsigned n, unsigned m);
     /// The same without keeping anything.
     void reshapePacked(unsigned n, unsigned m);
-    /// The view of the first k(k+1)/2 elements; raises 0x4018 (k, n) unless 0 <= k <= n.
+    /// The view of the first k(k+1)/2 elements; raises 0x4018 (k, n) unless 0 <= k <= n. A
+    /// negative k (when the handler returns) gives an empty view.
     DoubleVec leadingElements(int k) const;
 
     DoubleVec vec_;
@@ -115,6 +117,8 @@ public:
     double set(int i, int j, double x) noexcept { return (*this)(i, j) = x; }
     /// The order-k leading block, sharing the storage (0x4018 unless 0 <= k <= n).
     DoubleSymMat leadingSubmatrix(int k) const;
+    /// f applied to every stored element, as a new matrix.
+    DoubleSymMat apply(double (*f)(double)) const { return DoubleSymMat(vec_.apply(f), n_, n_); }
 
     bool operator==(const DoubleSymMat& other) const {
         return n_ == other.n_ && vec_ == other.vec_;
@@ -209,7 +213,7 @@ M& operator--(M& a) {
 /// Absolute value of every stored element.
 template <obrix::PackedMatrix M>
 M abs(const M& a) {
-    return M(a.dataVec().apply([](double x) { return x < 0 ? -x : x; }), a.order(), a.order());
+    return M(abs(a.dataVec()), a.order(), a.order());
 }
 /// Writes the full n x n matrix in the DoubleGenMat text format.
 template <obrix::PackedMatrix M>

@@ -36,7 +36,8 @@ double DoubleLowerTriMat::bcset(int i, int j, double x) {
 
 DoubleLowerTriMat DoubleLowerTriMat::leadingSubmatrix(int k) const {
     const DoubleVec leading = leadingElements(k);
-    return DoubleLowerTriMat(leading, static_cast<unsigned>(k), static_cast<unsigned>(k));
+    const unsigned order = k < 0 ? 0u : static_cast<unsigned>(k);
+    return DoubleLowerTriMat(leading, order, order);
 }
 
 DoubleUpperTriMat::DoubleUpperTriMat(unsigned n, unsigned m) : DoublePackedMat(n, m) {
@@ -75,7 +76,8 @@ double DoubleUpperTriMat::bcset(int i, int j, double x) {
 
 DoubleUpperTriMat DoubleUpperTriMat::leadingSubmatrix(int k) const {
     const DoubleVec leading = leadingElements(k);
-    return DoubleUpperTriMat(leading, static_cast<unsigned>(k), static_cast<unsigned>(k));
+    const unsigned order = k < 0 ? 0u : static_cast<unsigned>(k);
+    return DoubleUpperTriMat(leading, order, order);
 }
 
 DoubleLowerTriMat toLowerTriMat(const DoubleGenMat& a) {

@@ -84,6 +84,10 @@ public:
     }
     /// The order-k leading block, sharing the storage (0x4018 unless 0 <= k <= n).
     DoubleLowerTriMat leadingSubmatrix(int k) const;
+    /// f applied to every stored element, as a new matrix.
+    DoubleLowerTriMat apply(double (*f)(double)) const {
+        return DoubleLowerTriMat(vec_.apply(f), n_, n_);
+    }
 
     bool operator==(const DoubleLowerTriMat& other) const {
         return n_ == other.n_ && vec_ == other.vec_;
@@ -137,6 +141,10 @@ public:
         return x;
     }
     DoubleUpperTriMat leadingSubmatrix(int k) const;
+    /// f applied to every stored element, as a new matrix.
+    DoubleUpperTriMat apply(double (*f)(double)) const {
+        return DoubleUpperTriMat(vec_.apply(f), n_, n_);
+    }
 
     bool operator==(const DoubleUpperTriMat& other) const {
         return n_ == other.n_ && vec_ == other.vec_;

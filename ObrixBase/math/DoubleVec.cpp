@@ -401,7 +401,9 @@ NumVec<T> NumVec<T>::apply(ElementFunction f) const {
 }
 
 template <class T>
-void NumVec<T>::clampZero(double tol) requires std::is_same_v<T, double> {
+template <class U>
+requires obrix::DoubleOnly<U>
+void NumVec<T>::clampZero(double tol) {
     forEachElement(data_, length_, stride_, [tol](double& d) {
         if (std::fabs(d) <= tol)
             d = 0.0;
@@ -409,7 +411,9 @@ void NumVec<T>::clampZero(double tol) requires std::is_same_v<T, double> {
 }
 
 template <class T>
-int NumVec<T>::isEqual(double v, double tol) const requires std::is_same_v<T, double> {
+template <class U>
+requires obrix::DoubleOnly<U>
+int NumVec<T>::isEqual(double v, double tol) const {
     for (unsigned i = 0; i < length_; ++i)
         if (!(std::fabs((*this)(static_cast<int>(i)) - v) <= tol))
             return 0;
@@ -417,7 +421,9 @@ int NumVec<T>::isEqual(double v, double tol) const requires std::is_same_v<T, do
 }
 
 template <class T>
-int NumVec<T>::countValue(double v, double tol) const requires std::is_same_v<T, double> {
+template <class U>
+requires obrix::DoubleOnly<U>
+int NumVec<T>::countValue(double v, double tol) const {
     int count = 0;
     forEachElement(data_, length_, stride_, [&](double d) { count += std::fabs(d - v) <= tol; });
     return count;
@@ -442,30 +448,39 @@ IntVec indicesWhere(const DoubleVec& v, F keep) {
 } // namespace
 
 template <class T>
-NumVec<int> NumVec<T>::valueIndex(double v, double tol) const requires std::is_same_v<T, double> {
+template <class U>
+requires obrix::DoubleOnly<U> NumVec<int> NumVec<T>::valueIndex(double v, double tol)
+const {
     return indicesWhere(*this, [v, tol](double x) { return std::fabs(x - v) <= tol; });
 }
 
 template <class T>
-NumVec<int> NumVec<T>::nonValueIndex(double v,
-                                     double tol) const requires std::is_same_v<T, double> {
+template <class U>
+requires obrix::DoubleOnly<U> NumVec<int> NumVec<T>::nonValueIndex(double v, double tol)
+const {
     return indicesWhere(*this, [v, tol](double x) { return !(std::fabs(x - v) <= tol); });
 }
 
 template <class T>
-NumVec<int> NumVec<T>::lessIndex(double v) const requires std::is_same_v<T, double> {
+template <class U>
+requires obrix::DoubleOnly<U> NumVec<int> NumVec<T>::lessIndex(double v)
+const {
     return indicesWhere(*this, [v](double x) { return x < v; });
 }
 
 template <class T>
-double NumVec<T>::vecLen() const requires std::is_same_v<T, double> {
+template <class U>
+requires obrix::DoubleOnly<U>
+double NumVec<T>::vecLen() const {
     double sumSquares = 0.0;
     forEachElement(data_, length_, stride_, [&](double d) { sumSquares += d * d; });
     return std::sqrt(sumSquares);
 }
 
 template <class T>
-int NumVec<T>::normalise() requires std::is_same_v<T, double> {
+template <class U>
+requires obrix::DoubleOnly<U>
+int NumVec<T>::normalise() {
     const double len = vecLen();
     if (!(len > 0.0))
         return 0;
@@ -617,8 +632,8 @@ std::istream& operator>>(std::istream& in, NumVec<T>& v) {
 }
 
 #define OBRIX_INSTANTIATE_VECTOR(T)                                                                \
-    template class NumVec<T>;                                                                      \
-    template class NumVecPick<T>;                                                                  \
+    template class OBRIX_INSTANTIATION_API NumVec<T>;                                              \
+    template class OBRIX_INSTANTIATION_API NumVecPick<T>;                                          \
     template NumVec<T> operator-(const NumVec<T>&);                                                \
     template NumVec<T> operator+(const NumVec<T>&, const NumVec<T>&);                              \
     template NumVec<T> operator-(const NumVec<T>&, const NumVec<T>&);                              \
@@ -638,3 +653,12 @@ std::istream& operator>>(std::istream& in, NumVec<T>& v) {
 OBRIX_INSTANTIATE_VECTOR(double)
 OBRIX_INSTANTIATE_VECTOR(int)
 OBRIX_INSTANTIATE_VECTOR(signed char)
+
+template void NumVec<double>::clampZero<double>(double);
+template int NumVec<double>::isEqual<double>(double, double) const;
+template int NumVec<double>::countValue<double>(double, double) const;
+template NumVec<int> NumVec<double>::valueIndex<double>(double, double) const;
+template NumVec<int> NumVec<double>::nonValueIndex<double>(double, double) const;
+template NumVec<int> NumVec<double>::lessIndex<double>(double) const;
+template double NumVec<double>::vecLen<double>() const;
+template int NumVec<double>::normalise<double>();

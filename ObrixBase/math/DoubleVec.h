@@ -33,6 +33,10 @@ using IntVecPick = NumVecPick<int>;
 using SCharVecPick = NumVecPick<signed char>;
 
 namespace obrix {
+/// The element type of the members that only DoubleVec (and DoubleGenMat) have.
+template <class U>
+concept DoubleOnly = std::is_same_v<U, double>;
+
 /// The class names that numeric messages print for each element type.
 template <class T>
 struct NumericNames;
@@ -176,33 +180,52 @@ public:
     /// f applied to every element, as a new vector.
     NumVec apply(ElementFunction f) const;
 
-    // Queries of DoubleVec. `tol` is absolute: x is near v when |x - v| <= tol.
+    // Queries of DoubleVec. `tol` is absolute: x is near v when |x - v| <= tol. They are
+    // member templates so that the int and signed char vectors never instantiate them.
     /// Sets elements with |x| <= tol to 0, in place.
-    void clampZero(double tol) requires std::is_same_v<T, double>;
+    template <class U = T>
+    requires obrix::DoubleOnly<U>
+    void clampZero(double tol);
     /// 1 when every element is near v (an empty vector gives 1), else 0.
-    int isEqual(double v, double tol) const requires std::is_same_v<T, double>;
-    int isZero(double tol) const requires std::is_same_v<T, double> { return isEqual(0.0, tol); }
+    template <class U = T>
+    requires obrix::DoubleOnly<U>
+    int isEqual(double v, double tol) const;
+    template <class U = T>
+    requires obrix::DoubleOnly<U>
+    int isZero(double tol) const { return isEqual<U>(0.0, tol); }
     /// Number of elements near v.
-    int countValue(double v, double tol) const requires std::is_same_v<T, double>;
-    int countZero(double tol) const requires std::is_same_v<T, double> {
-        return countValue(0.0, tol);
-    }
+    template <class U = T>
+    requires obrix::DoubleOnly<U>
+    int countValue(double v, double tol) const;
+    template <class U = T>
+    requires obrix::DoubleOnly<U>
+    int countZero(double tol) const { return countValue<U>(0.0, tol); }
     /// Ascending indices of the elements near v.
-    NumVec<int> valueIndex(double v, double tol) const requires std::is_same_v<T, double>;
-    NumVec<int> zeroIndex(double tol) const requires std::is_same_v<T, double> {
-        return valueIndex(0.0, tol);
-    }
+    template <class U = T>
+    requires obrix::DoubleOnly<U> NumVec<int> valueIndex(double v, double tol)
+    const;
+    template <class U = T>
+    requires obrix::DoubleOnly<U> NumVec<int> zeroIndex(double tol)
+    const { return valueIndex<U>(0.0, tol); }
     /// Ascending indices of the elements not near v.
-    NumVec<int> nonValueIndex(double v, double tol) const requires std::is_same_v<T, double>;
-    NumVec<int> nonZeroIndex(double tol) const requires std::is_same_v<T, double> {
-        return nonValueIndex(0.0, tol);
-    }
+    template <class U = T>
+    requires obrix::DoubleOnly<U> NumVec<int> nonValueIndex(double v, double tol)
+    const;
+    template <class U = T>
+    requires obrix::DoubleOnly<U> NumVec<int> nonZeroIndex(double tol)
+    const { return nonValueIndex<U>(0.0, tol); }
     /// Ascending indices of the elements strictly less than v.
-    NumVec<int> lessIndex(double v) const requires std::is_same_v<T, double>;
+    template <class U = T>
+    requires obrix::DoubleOnly<U> NumVec<int> lessIndex(double v)
+    const;
     /// Euclidean length.
-    double vecLen() const requires std::is_same_v<T, double>;
+    template <class U = T>
+    requires obrix::DoubleOnly<U>
+    double vecLen() const;
     /// Scales to unit length and returns 1 when vecLen() > 0; else unchanged and 0.
-    int normalise() requires std::is_same_v<T, double>;
+    template <class U = T>
+    requires obrix::DoubleOnly<U>
+    int normalise();
 
 private:
     void indexError(int i) const;

@@ -96,10 +96,11 @@ void mathErrorRaise(MathError error, ...) {
     va_end(args);
 }
 
-void mathErrorRaise(std::uint16_t code, ...) {
+void mathErrorRaise(unsigned code, ...) {
     va_list args;
     va_start(args, code);
-    mathErrorVRaise(MathError{code, MATH_DEFAULT, MATH_TAG_SHORTHAND}, args);
+    mathErrorVRaise(MathError{static_cast<std::uint16_t>(code), MATH_DEFAULT, MATH_TAG_SHORTHAND},
+                    args);
     va_end(args);
 }
 

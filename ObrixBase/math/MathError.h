@@ -112,7 +112,9 @@ using MathErrorHandler = void (*)(const MathError& error, va_list args);
 /// handler. Returns when the handler returns.
 OBRIX_API void mathErrorRaise(MathError error, ...);
 /// The shorthand: raises `code` with severity request MATH_DEFAULT and tag MATH_TAG_SHORTHAND.
-OBRIX_API void mathErrorRaise(std::uint16_t code, ...);
+/// `code` is an unsigned int (not 16 bits) so that the argument list starts after a type that
+/// variadic calls do not promote.
+OBRIX_API void mathErrorRaise(unsigned code, ...);
 /// mathErrorRaise with an argument list.
 OBRIX_API void mathErrorVRaise(MathError error, va_list args);
 

@@ -32,7 +32,7 @@ template <class T>
 NumVec<T> abs(const NumVec<T>& x) {
     NumVec<T> y(x.length());
     mapOne(y.data(), x.data(), x.stride(), x.length(),
-           [](T v) { return v < 0 ? static_cast<T>(-v) : v; });
+           [](T v) { return obrix::detail::absoluteValue(v); });
     return y;
 }
 

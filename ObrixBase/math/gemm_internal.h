@@ -2,26 +2,59 @@
 // contiguous row of the left operand with one contiguous column of the right operand, summed
 // in exactly the order of dotProduct (dot_internal.h). Speed comes from computing a 2 x 2
 // tile of C at once (each loaded element feeds two products) over a band of columns small
-// enough to stay in cache; the summation order of each element is unchanged by the tiling.
+// enough to stay in cache. The eight partial sums of each element are accumulated in two
+// passes, lanes 0-3 then lanes 4-7, so that a tile's sums fit in the registers; each lane
+// still adds its terms in increasing index order, so the tiling changes no result.
 #ifndef OBRIX_MATH_GEMM_INTERNAL_H
 #define OBRIX_MATH_GEMM_INTERNAL_H
 
 #include <cstddef>
-#include <cstring>
 #include <type_traits>
 
 #include "ObrixBase/math/dot_internal.h"
 
 namespace obrix::detail {
 
-#if defined(__GNUC__) || defined(__clang__)
-#define OBRIX_HAVE_VECTOR_EXTENSIONS 1
-using Double2 = double __attribute__((vector_size(16)));
-
-inline Double2 loadDouble2(const double* p) noexcept {
-    Double2 v;
-    std::memcpy(&v, p, sizeof v);
-    return v;
+#if defined(OBRIX_HAVE_VECTOR_EXTENSIONS)
+/// Lanes 4h..4h+3 of the eight partial sums for the 2 x 2 tile of rows r0, r1 and columns
+/// c0, c1 over k terms: low[t] holds lanes (4h, 4h+1), high[t] lanes (4h+2, 4h+3) of tile
+/// element t = 2 * row + column.
+inline void tileHalf(const double* r0, const double* r1, const double* c0, const double* c1,
+                     unsigned k, unsigned h, Double2 (&low)[4], Double2 (&high)[4]) {
+    const unsigned k8 = k & ~7u, offset = 4 * h;
+    Double2 a00 = {0, 0}, b00 = {0, 0}, a01 = {0, 0}, b01 = {0, 0};
+    Double2 a10 = {0, 0}, b10 = {0, 0}, a11 = {0, 0}, b11 = {0, 0};
+    for (unsigned p = offset; p < k8; p += 8) {
+        const Double2 x0 = loadDouble2(r0 + p), y0 = loadDouble2(r0 + p + 2);
+        const Double2 x1 = loadDouble2(r1 + p), y1 = loadDouble2(r1 + p + 2);
+        const Double2 u0 = loadDouble2(c0 + p), v0 = loadDouble2(c0 + p + 2);
+        const Double2 u1 = loadDouble2(c1 + p), v1 = loadDouble2(c1 + p + 2);
+        a00 += x0 * u0;
+        b00 += y0 * v0;
+        a01 += x0 * u1;
+        b01 += y0 * v1;
+        a10 += x1 * u0;
+        b10 += y1 * v0;
+        a11 += x1 * u1;
+        b11 += y1 * v1;
+    }
+    // The last k mod 8 terms go to lanes 0, 1, 2, ... as in dotProduct.
+    for (unsigned p = k8 + offset; p < k && p < k8 + offset + 4; ++p) {
+        const unsigned lane = p - k8 - offset, part = lane % 2;
+        if (lane < 2) {
+            a00[part] += r0[p] * c0[p];
+            a01[part] += r0[p] * c1[p];
+            a10[part] += r1[p] * c0[p];
+            a11[part] += r1[p] * c1[p];
+        } else {
+            b00[part] += r0[p] * c0[p];
+            b01[part] += r0[p] * c1[p];
+            b10[part] += r1[p] * c0[p];
+            b11[part] += r1[p] * c1[p];
+        }
+    }
+    low[0] = a00, low[1] = a01, low[2] = a10, low[3] = a11;
+    high[0] = b00, high[1] = b01, high[2] = b10, high[3] = b11;
 }
 #endif
 
@@ -34,9 +67,8 @@ void multiplyRowsByColumns(const T* rows, unsigned lda, const T* cols, unsigned 
     auto element = [&](unsigned i, unsigned j) -> T& { return c[j * sm + i]; };
 #if defined(OBRIX_HAVE_VECTOR_EXTENSIONS)
     if constexpr (std::is_same_v<T, double>) {
-        // Lanes (s0, s1) and (s2, s3) of dotProduct are the two halves of two vector sums.
-        const unsigned k4 = k & ~3u;
-        const unsigned band = k > 0 ? (16384u / k > 8 ? 16384u / k : 8) : n;
+        // A band of columns of about 128 KiB stays in cache while every row pair passes it.
+        const unsigned band = k > 0 ? (16384u / k > 8 ? 16384u / k : 8) : (n > 0 ? n : 1);
         for (unsigned j0 = 0; j0 < n; j0 += band) {
             const unsigned j1 = j0 + band < n ? j0 + band : n;
             unsigned i = 0;
@@ -47,43 +79,19 @@ void multiplyRowsByColumns(const T* rows, unsigned lda, const T* cols, unsigned 
                 for (; j + 2 <= j1; j += 2) {
                     const double* c0 = cols + j * sb;
                     const double* c1 = c0 + sb;
-                    Double2 a00 = {0, 0}, b00 = {0, 0}, a01 = {0, 0}, b01 = {0, 0};
-                    Double2 a10 = {0, 0}, b10 = {0, 0}, a11 = {0, 0}, b11 = {0, 0};
-                    for (unsigned p = 0; p < k4; p += 4) {
-                        const Double2 x0 = loadDouble2(r0 + p), y0 = loadDouble2(r0 + p + 2);
-                        const Double2 x1 = loadDouble2(r1 + p), y1 = loadDouble2(r1 + p + 2);
-                        const Double2 u0 = loadDouble2(c0 + p), v0 = loadDouble2(c0 + p + 2);
-                        const Double2 u1 = loadDouble2(c1 + p), v1 = loadDouble2(c1 + p + 2);
-                        a00 += x0 * u0;
-                        b00 += y0 * v0;
-                        a01 += x0 * u1;
-                        b01 += y0 * v1;
-                        a10 += x1 * u0;
-                        b10 += y1 * v0;
-                        a11 += x1 * u1;
-                        b11 += y1 * v1;
+                    Double2 low[4], high[4], low2[4], high2[4];
+                    tileHalf(r0, r1, c0, c1, k, 0, low, high);
+                    tileHalf(r0, r1, c0, c1, k, 1, low2, high2);
+                    double out[4];
+                    for (int t = 0; t < 4; ++t) {
+                        // (v0 + v2) + (v1 + v3), then the two lanes: combineLanes' order.
+                        const Double2 total = (low[t] + low2[t]) + (high[t] + high2[t]);
+                        out[t] = total[0] + total[1];
                     }
-                    // The last k mod 4 terms go to lanes s0, s1, s2 as in dotProduct.
-                    for (unsigned p = k4; p < k; ++p) {
-                        const unsigned lane = p - k4;
-                        if (lane < 2) {
-                            a00[lane] += r0[p] * c0[p];
-                            a01[lane] += r0[p] * c1[p];
-                            a10[lane] += r1[p] * c0[p];
-                            a11[lane] += r1[p] * c1[p];
-                        } else {
-                            b00[0] += r0[p] * c0[p];
-                            b01[0] += r0[p] * c1[p];
-                            b10[0] += r1[p] * c0[p];
-                            b11[0] += r1[p] * c1[p];
-                        }
-                    }
-                    const Double2 s00 = a00 + b00, s01 = a01 + b01;
-                    const Double2 s10 = a10 + b10, s11 = a11 + b11;
-                    element(i, j) = s00[0] + s00[1];
-                    element(i, j + 1) = s01[0] + s01[1];
-                    element(i + 1, j) = s10[0] + s10[1];
-                    element(i + 1, j + 1) = s11[0] + s11[1];
+                    element(i, j) = out[0];
+                    element(i, j + 1) = out[1];
+                    element(i + 1, j) = out[2];
+                    element(i + 1, j + 1) = out[3];
                 }
                 for (; j < j1; ++j) {
                     element(i, j) = dotProduct(r0, 1, cols + j * sb, 1, k);

@@ -4,10 +4,34 @@
 #ifndef OBRIX_MATH_STRIDED_LOOPS_INTERNAL_H
 #define OBRIX_MATH_STRIDED_LOOPS_INTERNAL_H
 
+#include <cmath>
 #include <cstddef>
 #include <limits>
+#include <type_traits>
+
+#include "ObrixBase/ObrixExport.h"
+
+// The export attribute of the explicit instantiations of the numeric class templates. GCC
+// takes the visibility from the exported template itself and rejects a repeated attribute;
+// clang needs it on the instantiation, since the templates' own members name IntVec (and so
+// instantiate it) before the instantiation is reached.
+#if defined(__clang__)
+#define OBRIX_INSTANTIATION_API OBRIX_API
+#else
+#define OBRIX_INSTANTIATION_API
+#endif
 
 namespace obrix::detail {
+
+/// |x|: fabs for doubles (so -0.0 gives +0.0), negation of negatives for integers (the most
+/// negative value wraps to itself).
+template <class T>
+inline T absoluteValue(T x) {
+    if constexpr (std::is_floating_point_v<T>)
+        return std::fabs(x);
+    else
+        return x < 0 ? static_cast<T>(-x) : x;
+}
 
 /// Truncation toward zero (2.9 gives 2, -2.9 gives -2). Values beyond the int range saturate
 /// and NaN gives 0: a plain cast would be undefined for them.

@@ -57,6 +57,10 @@ TEST(DoubleVec, CopiesAndSlicesShareStorageUntilDeepened) {
     sliceOfSlice(1) = -3.0;
     EXPECT_EQ(v(3), -3.0);
 
+    DoubleVec sharer(v); // contiguous and at the block's start, but shared
+    sharer.deepenShallowCopy();
+    sharer(0) = 123.0;
+    EXPECT_NE(v(0), 123.0);
     odd.deepenShallowCopy();
     odd(1) = 99.0;
     EXPECT_EQ(v(3), -3.0) << "a deepened view no longer writes into its source";
