@@ -77,6 +77,14 @@ double dasum(int n, const double* x, int incx) {
 double dnrm2(int n, const double* x, int incx) {
     if (n <= 0 || incx <= 0)
         return 0.0;
+    // The plain sum of squares is exact enough and fast whenever it stays well inside the
+    // range of doubles; only when it overflows, underflows or meets a NaN is the vector
+    // walked again with a running scale.
+    if (incx == 1) {
+        double ssq = detail::dotContiguous(x, x, n);
+        if (ssq > 1e-290 && ssq < 1e290)
+            return std::sqrt(ssq);
+    }
     // One pass with a running scale (the largest magnitude so far) and the sum of squares of
     // the elements divided by it: no overflow or destructive underflow in the squares.
     double scale = 0.0, ssq = 1.0;
@@ -92,9 +100,9 @@ double dnrm2(int n, const double* x, int incx) {
                 double r = a / scale;
                 ssq += r * r;
             }
-        } else if (std::isnan(v)) {
-            return v;
         }
+        if (std::isnan(v))
+            return v;
     }
     return scale * std::sqrt(ssq);
 }

@@ -80,3 +80,44 @@ TEST(SvdKernels, NanInputEndsAtTheIterationLimit) {
     k::dsvdc(a, 3, 3, 2, s, e, u, 3, v, 2, work, 11, &info);
     EXPECT_GT(info, 0);
 }
+
+TEST(Level1Kernels, NormStaysInRangeWhereTheSquaresWouldNot) {
+    for (double scale : {1e-200, 1.0, 1e200}) {
+        double x[3] = {3 * scale, 0.0, 4 * scale};
+        EXPECT_NEAR(k::dnrm2(3, x, 1) / (5 * scale), 1.0, 1e-15) << scale;
+        EXPECT_NEAR(k::dnrm2(2, x, 2) / (5 * scale), 1.0, 1e-15) << scale;
+    }
+    double nan[2] = {1.0, std::nan("")};
+    EXPECT_TRUE(std::isnan(k::dnrm2(2, nan, 1)));
+}
+
+TEST(AllKernels, ReturnOnNanInput) {
+    // Every factorisation gets a matrix with a NaN in it and must simply come back.
+    const int n = 6;
+    std::mt19937 rng(53);
+    Mat a = randomMat(rng, n, n);
+    a(2, 3) = a(3, 2) = std::nan("");
+    std::vector<int> piv(n, 0);
+    std::vector<double> w(n), s(n + 1), e(n), det(2), b(n, 1.0), x(n, 1.0);
+    int info = 0, inert[3];
+    double rcond = 0.0;
+    Mat m = a;
+    k::dgeco(m.data(), n, n, piv.data(), &rcond, w.data());
+    k::dgedi(m.data(), n, n, piv.data(), det.data(), w.data(), 11);
+    std::vector<double> ap = packUpper(a);
+    k::dspco(ap.data(), n, piv.data(), &rcond, w.data());
+    k::dspdi(ap.data(), n, piv.data(), det.data(), inert, w.data(), 111);
+    m = a;
+    k::dchdc(m.data(), n, n, w.data(), piv.data(), 1, &info);
+    k::dchud(m.data(), n, n, x.data(), nullptr, 1, 0, nullptr, nullptr, w.data(), s.data());
+    k::dchdd(m.data(), n, n, x.data(), nullptr, 1, 0, nullptr, nullptr, w.data(), s.data(), &info);
+    m = a;
+    std::fill(piv.begin(), piv.end(), 0);
+    k::dqrdc(m.data(), n, n, n, s.data(), piv.data(), w.data(), 1);
+    k::dqrsl(m.data(), n, n, n, s.data(), b.data(), x.data(), x.data(), x.data(), nullptr, nullptr,
+             11100, &info);
+    m = a;
+    Mat u(n, n), v(n, n);
+    k::dsvdc(m.data(), n, n, n, s.data(), e.data(), u.data(), n, v.data(), n, w.data(), 11, &info);
+    EXPECT_GT(info, 0);
+}
