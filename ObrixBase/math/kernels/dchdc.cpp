@@ -128,9 +128,10 @@ void dchdc(double* a, int lda, int p, double* work, int* jpvt, int job, int* inf
             // Row k of R: A(k, j) less the panel rows above k, over R(k, k).
             int rows = k - k0;
             const double* rk = &A(k0, k);
+            const double inv = 1.0 / rkk;
             for (int j = k + 1; j < p; ++j) {
                 const double* rj = &A(k0, j);
-                double v = (A(k, j) - detail::dotContiguous(rk, rj, rows)) / rkk;
+                double v = (A(k, j) - detail::dotContiguous(rk, rj, rows)) * inv;
                 A(k, j) = v;
                 work[j] -= v * v;
             }
