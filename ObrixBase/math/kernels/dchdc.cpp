@@ -18,7 +18,7 @@ namespace qvObrixBase::kernels {
 
 namespace {
 
-constexpr int kPanel = 48;
+constexpr int kPanel = 32;
 
 struct Upper {
     double* a;
