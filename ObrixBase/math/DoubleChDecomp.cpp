@@ -160,10 +160,7 @@ DoubleVec DoubleChDecomp::partialSolve(const DoubleVec& b, int kk) const {
 }
 
 DoubleVec DoubleChDecomp::solve(const DoubleVec& b) const {
-    if (b.length() != order()) {
-        mathErrorRaise(FACT_BADLENGTH, b.length(), order());
-        return b.copy();
-    }
+    // A b of the wrong length is first met, and reported, by permute.
     return unpermute(partialSolve(permute(b), static_cast<int>(order())));
 }
 

@@ -48,7 +48,8 @@ public:
     /// without pivoting raises 0x5001 (continue) and returns -1.0.
     double condition() const;
 
-    /// x with A x = b: permute, partialSolve to the order, unpermute.
+    /// x with A x = b: permute, partialSolve to the order, unpermute (so a b of the wrong
+    /// length reports 0x5004 first).
     DoubleVec solve(const DoubleVec& b) const;
     /// Solves with the leading k x k factor, in the factored order. b must have the order's
     /// length (0x5002) and k must not exceed lastPosFactor (0x5011). Elements from k on are

@@ -111,11 +111,15 @@ TEST(DoubleChDecomp, ShiftsKeepSolvingTheSameSystemAndCheckTheirArguments) {
     ch.shift(0, 1, 1, &tall);
     DoubleVec shortC(2);
     ch.shift(0, 3, 1, nullptr, &shortC);
+    // A wrong-length b is met by permute first; with a returning handler the rest follows.
+    ch.solve(DoubleVec(5, 1.0));
     EXPECT_EQ(capture.messages(),
-              (std::vector<std::string>{"Invalid Cholesky shift columns (2,1)",
-                                        "Invalid Cholesky shift direction",
-                                        "Data matrix wrong height (7!=6)",
-                                        "Vector to hold sines or cosines wrong length (2!=3)"}));
+              (std::vector<std::string>{
+                  "Invalid Cholesky shift columns (2,1)", "Invalid Cholesky shift direction",
+                  "Data matrix wrong height (7!=6)",
+                  "Vector to hold sines or cosines wrong length (2!=3)",
+                  "vector wrong length to permute (5!=6)", "b vector length wrong (5!=6)",
+                  "vector wrong length to permute (5!=6)"}));
 }
 
 TEST(DoubleChDecomp, UpdateAndDowndateAddAndRemoveARow) {
