@@ -59,6 +59,13 @@
 #include "ObrixBase/math/DoubleTriMat.h"
 
 /* ---- numerics: factorisations ---- */
+#include "ObrixBase/math/FactError.h"
+#include "ObrixBase/math/DoubleGenFact.h"
+#include "ObrixBase/math/DoubleSymFact.h"
+#include "ObrixBase/math/DoubleChDecomp.h"
+#include "ObrixBase/math/DoubleQRDecomp.h"
+#include "ObrixBase/math/DoubleSVDecomp.h"
+#include "ObrixBase/math/kernels/kernels.h"
 
 /* ---- tuple and sparse containers ---- */
 #include "ObrixBase/math/TsparseMatrix.h"

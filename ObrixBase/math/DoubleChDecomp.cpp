@@ -1,0 +1,264 @@
+#include "ObrixBase/math/DoubleChDecomp.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "ObrixBase/math/fact_internal.h"
+#include "ObrixBase/math/kernels/kernels.h"
+
+namespace k = qvObrixBase::kernels;
+using obrix::detail::ScratchVec;
+
+namespace {
+
+int leading(const DoubleGenMat& a) {
+    return a.rows() > 0 ? static_cast<int>(a.rows()) : 1;
+}
+
+// A contiguous working copy of an optional data matrix, written back after the kernel.
+class ScratchMat {
+public:
+    explicit ScratchMat(DoubleGenMat* m) : m_(m) {
+        if (m_ && m_->stride() != 1)
+            copy_.reference(m_->copy());
+    }
+    double* data() {
+        if (!m_)
+            return nullptr;
+        return m_->stride() != 1 ? copy_.data() : m_->data();
+    }
+    int ld() const { return m_ ? leading(*m_) : 1; }
+    int cols() const { return m_ ? static_cast<int>(m_->cols()) : 0; }
+    void writeBack() {
+        if (m_ && m_->stride() != 1)
+            *m_ = copy_;
+    }
+
+private:
+    DoubleGenMat* m_;
+    DoubleGenMat copy_;
+};
+
+} // namespace
+
+DoubleChDecomp::DoubleChDecomp() : factor_(), lastPosFactor_(-1), pivots_(), doPivoting_(1) {
+}
+
+DoubleChDecomp::DoubleChDecomp(const DoubleGenMat& a) : DoubleChDecomp() {
+    factor(a);
+}
+
+DoubleChDecomp::DoubleChDecomp(const DoubleChDecomp& other)
+    : factor_(other.factor_), lastPosFactor_(other.lastPosFactor_), pivots_(other.pivots_),
+      doPivoting_(other.doPivoting_) {
+}
+
+DoubleChDecomp& DoubleChDecomp::operator=(const DoubleChDecomp& other) {
+    factor_.reference(other.factor_);
+    lastPosFactor_ = other.lastPosFactor_;
+    pivots_.reference(other.pivots_);
+    doPivoting_ = other.doPivoting_;
+    return *this;
+}
+
+void DoubleChDecomp::factor(const DoubleGenMat& a) {
+    factor_.reference(a.copy());
+    dofactor();
+}
+
+void DoubleChDecomp::dofactor() {
+    if (factor_.rows() < factor_.cols()) {
+        mathErrorRaise(FACT_FEWROWS, static_cast<int>(factor_.rows()),
+                       static_cast<int>(factor_.cols()));
+        return;
+    }
+    factor_.deepenShallowCopy();
+    unsigned n = order();
+    if (doPivoting_) {
+        pivots_.deepenShallowCopy();
+        pivots_.resize(n);
+    }
+    std::vector<double> work(n + 1);
+    int info = 0;
+    k::dchdc(factor_.data(), leading(factor_), static_cast<int>(n), work.data(),
+             doPivoting_ ? pivots_.data() : nullptr, doPivoting_ ? 1 : 0, &info);
+    lastPosFactor_ = info;
+    if (doPivoting_)
+        obrix::detail::toZeroBased(pivots_);
+    else
+        obrix::detail::identityPivots(pivots_, n);
+}
+
+int DoubleChDecomp::doPivoting(int on) {
+    int old = doPivoting_;
+    doPivoting_ = on;
+    return old;
+}
+
+void DoubleChDecomp::setPivoting(int column, int where) {
+    if (where < -1 || where > 1) {
+        mathErrorRaise(FACT_PIVOTCLASS, where);
+        return;
+    }
+    if (column < 0)
+        return;
+    pivots_.deepenShallowCopy();
+    if (static_cast<unsigned>(column) >= pivots_.length())
+        pivots_.resize(static_cast<unsigned>(column) + 1);
+    pivots_(column) = where;
+}
+
+int DoubleChDecomp::fail() const {
+    unsigned n = std::min(factor_.rows(), factor_.cols());
+    for (unsigned i = 0; i < n; ++i)
+        if (factor_(static_cast<int>(i), static_cast<int>(i)) < 0.0)
+            return 1;
+    return 0;
+}
+
+double DoubleChDecomp::condition() const {
+    if (!doPivoting_) {
+        mathErrorRaise(FACT_NOCONDITION);
+        return -1.0;
+    }
+    int n = static_cast<int>(order());
+    if (n == 0 || lastPosFactor_ != n)
+        return 0.0;
+    double ratio = factor_(n - 1, n - 1) / factor_(0, 0);
+    return ratio * ratio;
+}
+
+DoubleVec DoubleChDecomp::permute(const DoubleVec& b) const {
+    if (b.length() != order()) {
+        mathErrorRaise(FACT_PERMUTELENGTH, b.length(), order());
+        return b.copy();
+    }
+    return obrix::detail::permuteBy(pivots_, b);
+}
+
+DoubleVec DoubleChDecomp::unpermute(const DoubleVec& x) const {
+    if (x.length() != order()) {
+        mathErrorRaise(FACT_PERMUTELENGTH, x.length(), order());
+        return x.copy();
+    }
+    return obrix::detail::unpermuteBy(pivots_, x);
+}
+
+DoubleVec DoubleChDecomp::partialSolve(const DoubleVec& b, int kk) const {
+    if (b.length() != order()) {
+        mathErrorRaise(FACT_BADLENGTH, b.length(), order());
+        return b.copy();
+    }
+    if (kk > lastPosFactor_) {
+        mathErrorRaise(FACT_NOTFACTORED);
+        kk = std::max(0, lastPosFactor_);
+    }
+    DoubleVec x = b.copy();
+    if (kk > 0)
+        k::dposl(factor_.data(), leading(factor_), kk, x.data());
+    return x;
+}
+
+DoubleVec DoubleChDecomp::solve(const DoubleVec& b) const {
+    // A b of the wrong length is first met, and reported, by permute.
+    return unpermute(partialSolve(permute(b), static_cast<int>(order())));
+}
+
+bool DoubleChDecomp::checkRotationData(DoubleGenMat* z, DoubleVec* c, DoubleVec* s,
+                                       unsigned rotations) {
+    if (z && z->rows() != order()) {
+        mathErrorRaise(FACT_DATAHEIGHT, z->rows(), order());
+        return false;
+    }
+    for (DoubleVec* v : {c, s})
+        if (v && v->length() != rotations) {
+            mathErrorRaise(FACT_ROTLENGTH, v->length(), rotations);
+            return false;
+        }
+    return true;
+}
+
+void DoubleChDecomp::shift(int l, int kk, int direction, DoubleGenMat* z, DoubleVec* c,
+                           DoubleVec* s) {
+    if (direction != 0 && direction != 1) {
+        mathErrorRaise(FACT_SHIFTDIR);
+        return;
+    }
+    int n = static_cast<int>(order());
+    if (l < 0 || l >= kk || kk >= n) {
+        mathErrorRaise(FACT_SHIFTCOLS, l, kk);
+        return;
+    }
+    if (!checkRotationData(z, c, s, static_cast<unsigned>(kk - l)))
+        return;
+    factor_.deepenShallowCopy();
+    // The kernel wants room for the order in c and s; the caller's get the k - l used.
+    std::vector<double> cw(n), sw(n);
+    ScratchMat zw(z);
+    k::dchex(factor_.data(), leading(factor_), n, l + 1, kk + 1, zw.data(), zw.ld(), zw.cols(),
+             cw.data(), sw.data(), direction == 1 ? 1 : 2);
+    zw.writeBack();
+    for (int i = 0; i < kk - l; ++i) {
+        if (c)
+            (*c)(i) = cw[i];
+        if (s)
+            (*s)(i) = sw[i];
+    }
+    if (pivots_.length() == order()) {
+        pivots_.deepenShallowCopy();
+        int* p = pivots_.data();
+        if (direction == 1)
+            std::rotate(p + l, p + kk, p + kk + 1);
+        else
+            std::rotate(p + l, p + l + 1, p + kk + 1);
+    }
+}
+
+int DoubleChDecomp::rowChange(bool add, const DoubleVec& x, DoubleGenMat* z, const DoubleVec* y,
+                              DoubleVec* rho, DoubleVec* c, DoubleVec* s) {
+    unsigned n = order();
+    if (x.length() != n) {
+        mathErrorRaise(FACT_BADLENGTH, x.length(), n);
+        return -1;
+    }
+    if (!checkRotationData(z, c, s, n))
+        return -1;
+    unsigned nz = z ? z->cols() : 0;
+    for (const DoubleVec* v : {y, static_cast<const DoubleVec*>(rho)})
+        if (z && v && v->length() != nz) {
+            mathErrorRaise(FACT_RESIDUALS, v->length(), nz);
+            return -1;
+        }
+    factor_.deepenShallowCopy();
+    DoubleVec xc = x.copy();
+    std::vector<double> yw(nz, 0.0);
+    if (y && z)
+        for (unsigned j = 0; j < nz; ++j)
+            yw[j] = (*y)(static_cast<int>(j));
+    ScratchVec rw(z ? rho : nullptr, nz), cw(c, n), sw(s, n);
+    ScratchMat zw(z);
+    int info = 0;
+    if (add)
+        k::dchud(factor_.data(), leading(factor_), static_cast<int>(n), xc.data(), zw.data(),
+                 zw.ld(), static_cast<int>(nz), yw.data(), rw.data(), cw.data(), sw.data());
+    else
+        k::dchdd(factor_.data(), leading(factor_), static_cast<int>(n), xc.data(), zw.data(),
+                 zw.ld(), static_cast<int>(nz), yw.data(), rw.data(), cw.data(), sw.data(), &info);
+    if (info != -1) {
+        zw.writeBack();
+        rw.writeBack();
+    }
+    cw.writeBack();
+    sw.writeBack();
+    return info;
+}
+
+void DoubleChDecomp::update(const DoubleVec& x, DoubleGenMat* z, const DoubleVec* y, DoubleVec* rho,
+                            DoubleVec* c, DoubleVec* s) {
+    rowChange(true, x, z, y, rho, c, s);
+}
+
+int DoubleChDecomp::downdate(const DoubleVec& x, DoubleGenMat* z, const DoubleVec* y,
+                             DoubleVec* rho, DoubleVec* c, DoubleVec* s) {
+    return rowChange(false, x, z, y, rho, c, s);
+}

@@ -1,0 +1,65 @@
+// Helpers shared by the factorisation classes: pivot bookkeeping and contiguous scratch
+// copies of caller vectors and matrices whose storage the kernels cannot address directly.
+#ifndef OBRIX_MATH_FACT_INTERNAL_H
+#define OBRIX_MATH_FACT_INTERNAL_H
+
+#include <vector>
+
+#include "ObrixBase/math/DoubleGenMat.h"
+#include "ObrixBase/math/DoubleVec.h"
+
+namespace obrix::detail {
+
+/// Turns the kernels' 1-based pivot record into 0-based indices.
+inline void toZeroBased(IntVec& pivots) {
+    for (unsigned i = 0; i < pivots.length(); ++i)
+        pivots(static_cast<int>(i)) -= 1;
+}
+
+/// Pivots 0..n-1: the record of a factorisation made without pivoting.
+inline void identityPivots(IntVec& pivots, unsigned n) {
+    pivots.reshape(n);
+    for (unsigned i = 0; i < n; ++i)
+        pivots(static_cast<int>(i)) = static_cast<int>(i);
+}
+
+/// result[k] = v[pivots[k]]: a vector in the original order taken to the factored order.
+inline DoubleVec permuteBy(const IntVec& pivots, const DoubleVec& v) {
+    DoubleVec r(v.length());
+    for (unsigned k = 0; k < v.length(); ++k)
+        r(static_cast<int>(k)) = v(pivots(static_cast<int>(k)));
+    return r;
+}
+
+/// result[pivots[k]] = v[k]: back from the factored order to the original one.
+inline DoubleVec unpermuteBy(const IntVec& pivots, const DoubleVec& v) {
+    DoubleVec r(v.length());
+    for (unsigned k = 0; k < v.length(); ++k)
+        r(pivots(static_cast<int>(k))) = v(static_cast<int>(k));
+    return r;
+}
+
+/// A contiguous working copy of an optional caller vector that is written back on request;
+/// strided views are handled without touching the caller's storage layout.
+class ScratchVec {
+public:
+    ScratchVec(DoubleVec* v, unsigned n) : v_(v), buf_(v ? v->length() : n, 0.0) {
+        if (v_)
+            for (unsigned i = 0; i < v_->length(); ++i)
+                buf_[i] = (*v_)(static_cast<int>(i));
+    }
+    double* data() { return buf_.empty() ? nullptr : buf_.data(); }
+    void writeBack() {
+        if (v_)
+            for (unsigned i = 0; i < v_->length(); ++i)
+                (*v_)(static_cast<int>(i)) = buf_[i];
+    }
+
+private:
+    DoubleVec* v_;
+    std::vector<double> buf_;
+};
+
+} // namespace obrix::detail
+
+#endif
