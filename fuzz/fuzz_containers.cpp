@@ -112,7 +112,9 @@ struct Session {
         }
         default: { // walk with an early stop
             int limit = static_cast<int>(operand % 8);
-            auto countDown = [](void*, void* user) -> int { return --*static_cast<int*>(user) == 0; };
+            auto countDown = [](void*, void* user) -> int {
+                return --*static_cast<int*>(user) == 0;
+            };
             const int stopped = VK_avl_inorder_user(root, countDown, &limit);
             check(stopped == (limit == 0 ? 1 : 0) || operand % 8 == 0, "early stop");
             break;

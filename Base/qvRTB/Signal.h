@@ -14,6 +14,7 @@
 #define BASE_QVRTB_SIGNAL_H
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <utility>
 
@@ -52,7 +53,12 @@ private:
 /// connection. Signals are neither copied nor moved: connections refer to them.
 template <class... Args>
 class Signal {
-    using Impl = boost::signals2::signal<void(Args...)>;
+    // Slots hold std::function rather than boost::function: the latter draws false
+    // "used uninitialized" warnings from optimising compilers into every caller's build.
+    using Impl =
+        boost::signals2::signal<void(Args...), boost::signals2::optional_last_value<void>, int,
+                                std::less<int>, std::function<void(Args...)>,
+                                std::function<void(const boost::signals2::connection&, Args...)>>;
 
 public:
     Signal() = default;

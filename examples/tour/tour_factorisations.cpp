@@ -27,8 +27,7 @@ void tourFactorisations() {
     double rss = 0.0;
     for (unsigned i = 0; i < r.length(); ++i)
         rss += r(i) * r(i);
-    std::printf("coefficients: %.4f %+.4f t %+.4f t^2 (rank %d)\n", c(0), c(1), c(2),
-                fit.rank());
+    std::printf("coefficients: %.4f %+.4f t %+.4f t^2 (rank %d)\n", c(0), c(1), c(2), fit.rank());
     std::printf("residual norm: %.5f\n", std::sqrt(rss));
 
     // The same coefficients from the normal equations X'X c = X'y.
