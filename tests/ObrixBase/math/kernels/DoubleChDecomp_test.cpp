@@ -52,6 +52,12 @@ TEST(DoubleChDecomp, PivotedFactorSolvesAndEstimatesTheCondition) {
     plain.factor(a);
     EXPECT_LT(residual(a, plain.solve(b), b), 1e-10);
     EXPECT_EQ(plain.condition(), -1.0);
+    // Refactoring a copy without pivoting leaves the pivots the original shares with it.
+    IntVec before = ch.pivots().copy();
+    DoubleChDecomp other(ch);
+    other.doPivoting(0);
+    other.factor(a);
+    EXPECT_TRUE(ch.pivots() == before);
     EXPECT_EQ(capture.messages(), std::vector<std::string>{"Condition number not calculated"});
 }
 
