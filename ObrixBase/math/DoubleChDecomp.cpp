@@ -70,6 +70,11 @@ void DoubleChDecomp::dofactor() {
     if (factor_.rows() < factor_.cols()) {
         mathErrorRaise(FACT_FEWROWS, static_cast<int>(factor_.rows()),
                        static_cast<int>(factor_.cols()));
+        // Going on would run the kernels past the end of the array (the order is the column
+        // count, the leading dimension the smaller row count), here and in every later
+        // solve, shift or update: the factorisation is left empty instead.
+        factor_.reference(DoubleGenMat());
+        lastPosFactor_ = -1;
         return;
     }
     factor_.deepenShallowCopy();

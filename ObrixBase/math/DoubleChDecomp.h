@@ -24,7 +24,8 @@ public:
 
     /// Factors a private copy of `a` (only its upper triangle is read).
     void factor(const DoubleGenMat& a);
-    /// Factors the matrix held: 0x5010 (rows, cols) when it has fewer rows than columns.
+    /// Factors the matrix held: 0x5010 (rows, cols) when it has fewer rows than columns,
+    /// after which the factorisation is empty (order 0, lastPosFactor -1).
     /// With pivoting on, pivot classes set by setPivoting are honoured; off, the pivots are
     /// the identity order.
     void dofactor();
