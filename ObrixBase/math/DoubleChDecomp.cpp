@@ -154,10 +154,11 @@ DoubleVec DoubleChDecomp::partialSolve(const DoubleVec& b, int kk) const {
         mathErrorRaise(FACT_BADLENGTH, b.length(), order());
         return b.copy();
     }
-    if (kk > lastPosFactor_) {
+    if (kk > lastPosFactor_)
         mathErrorRaise(FACT_NOTFACTORED);
-        kk = std::max(0, lastPosFactor_);
-    }
+    // A handler that returns lets the solve go on with the k asked for, as after every
+    // check; only the order bounds it, since the factor has no columns past it.
+    kk = std::min(kk, static_cast<int>(order()));
     DoubleVec x = b.copy();
     if (kk > 0)
         k::dposl(factor_.data(), leading(factor_), kk, x.data());

@@ -53,8 +53,9 @@ public:
     /// length reports 0x5004 first).
     DoubleVec solve(const DoubleVec& b) const;
     /// Solves with the leading k x k factor, in the factored order. b must have the order's
-    /// length (0x5002) and k must not exceed lastPosFactor (0x5011). Elements from k on are
-    /// returned as given.
+    /// length (0x5002) and k must not exceed lastPosFactor (0x5011; when the handler
+    /// returns, the solve goes on with k, at most the order, over the unfinished factor).
+    /// Elements from k on are returned as given.
     DoubleVec partialSolve(const DoubleVec& b, int k) const;
     /// The vector in the factored order (0x5004 (length, order) for another length).
     DoubleVec permute(const DoubleVec& b) const;
