@@ -136,6 +136,8 @@ double DoubleChDecomp::condition() const {
 DoubleVec DoubleChDecomp::permute(const DoubleVec& b) const {
     if (b.length() != order()) {
         mathErrorRaise(FACT_PERMUTELENGTH, b.length(), order());
+        // Reordering by pivots of another length would index past one end: the vector
+        // comes back as given.
         return b.copy();
     }
     return obrix::detail::permuteBy(pivots_, b);
@@ -144,6 +146,8 @@ DoubleVec DoubleChDecomp::permute(const DoubleVec& b) const {
 DoubleVec DoubleChDecomp::unpermute(const DoubleVec& x) const {
     if (x.length() != order()) {
         mathErrorRaise(FACT_PERMUTELENGTH, x.length(), order());
+        // Reordering by pivots of another length would index past one end: the vector
+        // comes back as given.
         return x.copy();
     }
     return obrix::detail::unpermuteBy(pivots_, x);
