@@ -18,7 +18,9 @@ public:
     DoubleChDecomp();
     /// Pivoting on, then factor(a).
     explicit DoubleChDecomp(const DoubleGenMat& a);
+    /// Shares the other's factor and pivots; takes its flags.
     DoubleChDecomp(const DoubleChDecomp& other);
+    /// Rebinds to the other's factor and pivots (no element copy); takes its flags.
     DoubleChDecomp& operator=(const DoubleChDecomp& other);
     ~DoubleChDecomp() = default;
 
@@ -44,6 +46,7 @@ public:
     int isPD() const { return lastPosFactor_ == static_cast<int>(order()); }
     /// 1 when a diagonal element of the factor is negative.
     int fail() const;
+    /// The negation of fail().
     int good() const { return !fail(); }
     /// (R(n-1,n-1)/R(0,0))^2 for a complete pivoted factor; 0.0 for an incomplete one;
     /// without pivoting raises 0x5001 (continue) and returns -1.0.
@@ -83,6 +86,7 @@ public:
     int downdate(const DoubleVec& x, DoubleGenMat* z = nullptr, const DoubleVec* y = nullptr,
                  DoubleVec* rho = nullptr, DoubleVec* c = nullptr, DoubleVec* s = nullptr);
 
+    /// The order n of the factored matrix (its column count); 0 before factoring.
     unsigned order() const { return factor_.cols(); }
     /// The factor matrix (shared; treat as read-only).
     const DoubleGenMat& factorMatrix() const { return factor_; }
