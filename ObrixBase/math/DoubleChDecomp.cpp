@@ -70,6 +70,11 @@ void DoubleChDecomp::dofactor() {
     if (factor_.rows() < factor_.cols()) {
         mathErrorRaise(FACT_FEWROWS, static_cast<int>(factor_.rows()),
                        static_cast<int>(factor_.cols()));
+        // Going on would run the kernels past the end of the array (the order is the column
+        // count, the leading dimension the smaller row count), here and in every later
+        // solve, shift or update: the factorisation is left empty instead.
+        factor_.reference(DoubleGenMat());
+        lastPosFactor_ = -1;
         return;
     }
     factor_.deepenShallowCopy();
@@ -131,6 +136,8 @@ double DoubleChDecomp::condition() const {
 DoubleVec DoubleChDecomp::permute(const DoubleVec& b) const {
     if (b.length() != order()) {
         mathErrorRaise(FACT_PERMUTELENGTH, b.length(), order());
+        // Reordering by pivots of another length would index past one end: the vector
+        // comes back as given.
         return b.copy();
     }
     return obrix::detail::permuteBy(pivots_, b);
@@ -139,6 +146,8 @@ DoubleVec DoubleChDecomp::permute(const DoubleVec& b) const {
 DoubleVec DoubleChDecomp::unpermute(const DoubleVec& x) const {
     if (x.length() != order()) {
         mathErrorRaise(FACT_PERMUTELENGTH, x.length(), order());
+        // Reordering by pivots of another length would index past one end: the vector
+        // comes back as given.
         return x.copy();
     }
     return obrix::detail::unpermuteBy(pivots_, x);
@@ -149,10 +158,11 @@ DoubleVec DoubleChDecomp::partialSolve(const DoubleVec& b, int kk) const {
         mathErrorRaise(FACT_BADLENGTH, b.length(), order());
         return b.copy();
     }
-    if (kk > lastPosFactor_) {
+    if (kk > lastPosFactor_)
         mathErrorRaise(FACT_NOTFACTORED);
-        kk = std::max(0, lastPosFactor_);
-    }
+    // A handler that returns lets the solve go on with the k asked for, as after every
+    // check; only the order bounds it, since the factor has no columns past it.
+    kk = std::min(kk, static_cast<int>(order()));
     DoubleVec x = b.copy();
     if (kk > 0)
         k::dposl(factor_.data(), leading(factor_), kk, x.data());

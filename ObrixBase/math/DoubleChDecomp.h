@@ -18,13 +18,16 @@ public:
     DoubleChDecomp();
     /// Pivoting on, then factor(a).
     explicit DoubleChDecomp(const DoubleGenMat& a);
+    /// Shares the other's factor and pivots; takes its flags.
     DoubleChDecomp(const DoubleChDecomp& other);
+    /// Rebinds to the other's factor and pivots (no element copy); takes its flags.
     DoubleChDecomp& operator=(const DoubleChDecomp& other);
     ~DoubleChDecomp() = default;
 
     /// Factors a private copy of `a` (only its upper triangle is read).
     void factor(const DoubleGenMat& a);
-    /// Factors the matrix held: 0x5010 (rows, cols) when it has fewer rows than columns.
+    /// Factors the matrix held: 0x5010 (rows, cols) when it has fewer rows than columns,
+    /// after which the factorisation is empty (order 0, lastPosFactor -1).
     /// With pivoting on, pivot classes set by setPivoting are honoured; off, the pivots are
     /// the identity order.
     void dofactor();
@@ -43,6 +46,7 @@ public:
     int isPD() const { return lastPosFactor_ == static_cast<int>(order()); }
     /// 1 when a diagonal element of the factor is negative.
     int fail() const;
+    /// The negation of fail().
     int good() const { return !fail(); }
     /// (R(n-1,n-1)/R(0,0))^2 for a complete pivoted factor; 0.0 for an incomplete one;
     /// without pivoting raises 0x5001 (continue) and returns -1.0.
@@ -52,8 +56,9 @@ public:
     /// length reports 0x5004 first).
     DoubleVec solve(const DoubleVec& b) const;
     /// Solves with the leading k x k factor, in the factored order. b must have the order's
-    /// length (0x5002) and k must not exceed lastPosFactor (0x5011). Elements from k on are
-    /// returned as given.
+    /// length (0x5002) and k must not exceed lastPosFactor (0x5011; when the handler
+    /// returns, the solve goes on with k, at most the order, over the unfinished factor).
+    /// Elements from k on are returned as given.
     DoubleVec partialSolve(const DoubleVec& b, int k) const;
     /// The vector in the factored order (0x5004 (length, order) for another length).
     DoubleVec permute(const DoubleVec& b) const;
@@ -81,6 +86,7 @@ public:
     int downdate(const DoubleVec& x, DoubleGenMat* z = nullptr, const DoubleVec* y = nullptr,
                  DoubleVec* rho = nullptr, DoubleVec* c = nullptr, DoubleVec* s = nullptr);
 
+    /// The order n of the factored matrix (its column count); 0 before factoring.
     unsigned order() const { return factor_.cols(); }
     /// The factor matrix (shared; treat as read-only).
     const DoubleGenMat& factorMatrix() const { return factor_; }

@@ -144,6 +144,8 @@ DoubleVec DoubleQRDecomp::solve(const DoubleVec& b) const {
 DoubleVec DoubleQRDecomp::permute(const DoubleVec& v) const {
     if (v.length() != cols()) {
         mathErrorRaise(FACT_PERMUTELENGTH, v.length(), cols());
+        // Reordering by pivots of another length would index past one end: the vector
+        // comes back as given.
         return v.copy();
     }
     return obrix::detail::permuteBy(pivots_, v);
@@ -152,6 +154,8 @@ DoubleVec DoubleQRDecomp::permute(const DoubleVec& v) const {
 DoubleVec DoubleQRDecomp::unpermute(const DoubleVec& v) const {
     if (v.length() != cols()) {
         mathErrorRaise(FACT_PERMUTELENGTH, v.length(), cols());
+        // Reordering by pivots of another length would index past one end: the vector
+        // comes back as given.
         return v.copy();
     }
     return obrix::detail::unpermuteBy(pivots_, v);

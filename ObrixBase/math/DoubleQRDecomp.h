@@ -17,7 +17,9 @@ public:
     DoubleQRDecomp();
     /// Pivoting on, then factor(a).
     explicit DoubleQRDecomp(const DoubleGenMat& a);
+    /// Shares the other's factors, pivots and qraux; takes its pivoting flag.
     DoubleQRDecomp(const DoubleQRDecomp& other);
+    /// Rebinds to the other's factors, pivots and qraux (no element copy).
     DoubleQRDecomp& operator=(const DoubleQRDecomp& other);
     virtual ~DoubleQRDecomp() = default;
 
@@ -57,14 +59,20 @@ public:
     /// Back to the input's column order (0x5004).
     DoubleVec unpermute(const DoubleVec& v) const;
 
+    /// m, the row count of the factored matrix.
     unsigned rows() const { return qr_.rows(); }
+    /// n, its column count.
     unsigned cols() const { return qr_.cols(); }
     /// R above the diagonal and the reflectors below (shared; treat as read-only).
     const DoubleGenMat& factorMatrix() const { return qr_; }
+    /// The reflectors' leading elements, one per column (shared; treat as read-only).
     const DoubleVec& qraux() const { return qraux_; }
 
 protected:
+    /// One call of the apply kernel with `job` on a copy of y (length m, else 0x5002 and an
+    /// empty result); k as for the applications. Raises 0x5011 for a non-zero status.
     DoubleVec apply(const DoubleVec& y, int k, int job) const;
+    /// min(m, n), the length of R's diagonal.
     int diagonalCount() const;
 
     DoubleGenMat qr_;
@@ -77,19 +85,25 @@ protected:
 /// the tolerance free their columns, whose coefficients the solution sets to 0.
 class OBRIX_API DoubleLeastSqQR : public DoubleQRDecomp {
 public:
+    /// Empty, pivoting on, tolerance 0.
     DoubleLeastSqQR();
+    /// Pivoting on, then factor(a); tolerance 0.
     explicit DoubleLeastSqQR(const DoubleGenMat& a);
+    /// Shares the other's factors; takes its tolerance.
     DoubleLeastSqQR(const DoubleLeastSqQR& other) = default;
+    /// Rebinds to the other's factors; takes its tolerance.
     DoubleLeastSqQR& operator=(const DoubleLeastSqQR& other);
 
     /// Factors a private copy of `a` and resets the tolerance to 0.
     void factor(const DoubleGenMat& a);
     /// Sets the tolerance; returns the previous one.
     double setTolerance(double t);
+    /// The tolerance below which trailing diagonal elements of R free their columns.
     double tolerance() const { return tolerance_; }
     /// (n - m when n > m) plus the trailing diagonal elements of R, counted back from the
     /// last, with magnitude at most the tolerance.
     int numFreeCols() const;
+    /// 1 when numFreeCols() is not 0.
     int isUnderDetermined() const { return numFreeCols() != 0; }
     /// The basic solution: free coefficients 0. b must have length m (0x5002); an empty
     /// factorisation (n = 0) raises 0x5011.

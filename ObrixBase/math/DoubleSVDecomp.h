@@ -13,10 +13,13 @@
 /// (U is m x min(m, n)); b = 0 no right vectors, 1 right vectors (V is n x n). Initially 11.
 class OBRIX_API DoubleSVDecomp {
 public:
+    /// Empty, job 11 (all left vectors, right vectors), info 0.
     DoubleSVDecomp();
     /// Job 11, then factor(a).
     explicit DoubleSVDecomp(const DoubleGenMat& a);
+    /// Shares the other's values and vectors; takes its job and info.
     DoubleSVDecomp(const DoubleSVDecomp& other);
+    /// Rebinds to the other's values and vectors (no element copy); takes its job and info.
     DoubleSVDecomp& operator=(const DoubleSVDecomp& other);
     ~DoubleSVDecomp() = default;
 
@@ -36,14 +39,19 @@ public:
     DoubleVec singularValues() const { return s_; }
     /// The superdiagonal left over (zero on success).
     DoubleVec eValues() const { return e_; }
+    /// U, the left singular vectors as columns (a shallow copy).
     DoubleGenMat leftVecs() const { return u_; }
+    /// V, the right singular vectors as columns (a shallow copy).
     DoubleGenMat rightVecs() const { return v_; }
     /// The number of trustworthy values: the trailing length(s) - info.
     int numSVsFound() const { return static_cast<int>(s_.length()) - info_; }
+    /// The kernel's status: 0, or the index (from 0) of the first value known correct.
     int info() const { return info_; }
+    /// The job code 10a + b for the next factor.
     int job() const { return job_; }
     /// 1 when there are no values or the iteration did not converge.
     int fail() const { return s_.length() == 0 || info_ != 0; }
+    /// The negation of fail().
     int good() const { return !fail(); }
 
 private:

@@ -36,7 +36,9 @@ enum MathCatalogue5 : std::uint16_t {
 /// Counted registrar of catalogue 5; works as RWMATHInit.
 class OBRIX_API RWFACTInit {
 public:
+    /// Registers catalogue 5 when the count goes from 0 to 1.
     RWFACTInit();
+    /// Unlinks catalogue 5 when the count goes from 1 to 0.
     ~RWFACTInit();
     RWFACTInit(const RWFACTInit&) = delete;
     RWFACTInit& operator=(const RWFACTInit&) { return *this; }

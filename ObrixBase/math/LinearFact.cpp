@@ -51,6 +51,8 @@ void LinearFact<M>::dofactor(int estimateCondition) {
     if constexpr (std::is_same_v<M, DoubleGenMat>) {
         if (factors_.rows() != factors_.cols()) {
             mathErrorRaise(FACT_NSQUARE, factors_.rows(), factors_.cols());
+            // Going on with a handler that returns would run the n x n kernels past the end
+            // of a wide array: the factorisation is left empty (and fails) instead.
             factors_.reference(DoubleGenMat());
             pivots_.reshape(0);
             rcond_ = 0.0;

@@ -22,7 +22,9 @@ public:
     LinearFact();
     /// A private copy of `a`, factored; with estimateCondition non-zero rcond is estimated.
     explicit LinearFact(const M& a, int estimateCondition = 1);
+    /// Shares the other's factors, pivots and rcond.
     LinearFact(const LinearFact& other);
+    /// Rebinds to the other's factors and pivots (no element copy; the orders may differ).
     LinearFact& operator=(const LinearFact& other);
     ~LinearFact() = default;
 
@@ -34,6 +36,7 @@ public:
 
     /// 1 for an empty factorisation, or when 1 + rcond == 1 (rcond 0 included).
     int fail() const;
+    /// The negation of fail().
     int good() const { return !fail(); }
     /// 1 when 1 + rcond == 1.
     int isSingular() const;

@@ -19,6 +19,9 @@ inline void toZeroBased(IntVec& pivots) {
 /// Pivots 0..n-1: the record of a factorisation made without pivoting.
 inline void identityPivots(IntVec& pivots, unsigned n) {
     pivots.reshape(n);
+    // reshape keeps the block when the length is unchanged, and copies of a factorisation
+    // share it: the copy's pivot record must not change under it.
+    pivots.deepenShallowCopy();
     for (unsigned i = 0; i < n; ++i)
         pivots(static_cast<int>(i)) = static_cast<int>(i);
 }

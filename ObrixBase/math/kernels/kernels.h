@@ -4,8 +4,9 @@
 // leading dimension, or on packed upper triangles, and keep the classic calling conventions:
 // every size is counted in elements, pivot indices and status values are 1-based, and the job
 // arguments are decimal digit codes. They report nothing and throw nothing; results and
-// failures come back through the arguments. Callers own every array; apart from the blocked
-// update's per-thread scratch and dspco's three vectors, nothing is allocated.
+// failures come back through the arguments. Callers own every array; apart from the per-thread
+// scratch of the blocked update and of dchdc's trailing diagonal, and dspco's work vectors,
+// nothing is allocated.
 #ifndef OBRIX_MATH_KERNELS_KERNELS_H
 #define OBRIX_MATH_KERNELS_KERNELS_H
 

@@ -52,6 +52,12 @@ TEST(DoubleChDecomp, PivotedFactorSolvesAndEstimatesTheCondition) {
     plain.factor(a);
     EXPECT_LT(residual(a, plain.solve(b), b), 1e-10);
     EXPECT_EQ(plain.condition(), -1.0);
+    // Refactoring a copy without pivoting leaves the pivots the original shares with it.
+    IntVec before = ch.pivots().copy();
+    DoubleChDecomp other(ch);
+    other.doPivoting(0);
+    other.factor(a);
+    EXPECT_TRUE(ch.pivots() == before);
     EXPECT_EQ(capture.messages(), std::vector<std::string>{"Condition number not calculated"});
 }
 
@@ -69,6 +75,9 @@ TEST(DoubleChDecomp, SemidefiniteMatrixFactorsToItsRankAndRefusesAFullSolve) {
     EXPECT_TRUE(capture.errors().empty());
     ch.solve(b);
     EXPECT_EQ(capture.codes(), std::vector<std::uint16_t>{0x5011});
+    // Past the report the solve runs to the k asked for: element 2 no longer comes back as
+    // given (what it becomes over the unfinished factor is not a number to rely on).
+    EXPECT_FALSE(ch.partialSolve(b, 3)(2) == b(2));
 }
 
 TEST(DoubleChDecomp, PivotClassesPlaceColumnsAndBadClassesAreReported) {
@@ -84,7 +93,10 @@ TEST(DoubleChDecomp, PivotClassesPlaceColumnsAndBadClassesAreReported) {
     EXPECT_LT(residual(a, ch.solve(b), b), 1e-10);
     MathErrorCapture capture;
     ch.setPivoting(1, 2);
-    DoubleChDecomp wide(DoubleGenMat(2, 3, 1.0));
+    // A wide matrix leaves the factorisation empty, so nothing later reads past its array.
+    ch.factor(DoubleGenMat(2, 3, 1.0));
+    EXPECT_EQ(ch.order(), 0u);
+    EXPECT_EQ(ch.lastPosFactor(), -1);
     EXPECT_EQ(capture.messages(),
               (std::vector<std::string>{
                   "Pivoting position specifier must be INITIAL,FREE, or FINAL, not 2",

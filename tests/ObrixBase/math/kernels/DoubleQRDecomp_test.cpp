@@ -101,3 +101,18 @@ TEST(DoubleQRDecomp, ChecksReportTheirMessages) {
                   "Can't solve system of equations, matrix not successfully factorized",
                   "Can't solve system of equations, matrix not successfully factorized"}));
 }
+
+TEST(DoubleQRDecomp, RefactoringACopyWithoutPivotingLeavesTheOriginalsPivots) {
+    std::mt19937 rng(84);
+    DoubleGenMat a = randomMat(rng, 5, 3);
+    for (int i = 0; i < 5; ++i)
+        a(i, 0) = 0.0;
+    DoubleQRDecomp qr(a);
+    IntVec before = qr.pivots().copy();
+    ASSERT_EQ(before(2), 0);
+    DoubleQRDecomp other(qr);
+    other.doPivoting(0);
+    other.factor(a);
+    EXPECT_TRUE(qr.pivots() == before);
+    EXPECT_EQ(other.pivots()(2), 2);
+}
