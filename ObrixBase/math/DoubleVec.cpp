@@ -91,11 +91,6 @@ NumVec<T>::NumVec(RWBlock* block, T* data, unsigned n, int stride) noexcept
 }
 
 template <class T>
-NumVec<T>::~NumVec() {
-    RWBlock::release(block_);
-}
-
-template <class T>
 NumVec<T>& NumVec<T>::operator=(const NumVec& other) {
     lengthCheck(other.length_);
     if (other.block_ == block_) {

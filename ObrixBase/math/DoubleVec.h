@@ -90,7 +90,8 @@ public:
     NumVec(const NumVec& source, int start, unsigned n, int stride) noexcept;
     /// Wraps `block` without taking a reference: the new view owns the caller's reference.
     NumVec(RWBlock* block, T* data, unsigned n, int stride) noexcept;
-    ~NumVec();
+    /// Releases this view's reference (inline: every temporary result ends here).
+    ~NumVec() { RWBlock::release(block_); }
 
     /// Copies elements (lengthCheck first); overlapping sources are copied out first.
     NumVec& operator=(const NumVec& other);

@@ -4,7 +4,9 @@
 #ifndef OBRIX_MATH_RWBLOCK_H
 #define OBRIX_MATH_RWBLOCK_H
 
+#include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 
 #include "ObrixBase/ObrixExport.h"
 
@@ -15,11 +17,24 @@ public:
     /// A block of `count` elements of `elementSize` bytes, uninitialised, with one reference.
     /// For count 0 the array is null. When the array cannot be allocated, raises 0x3008 NOMEM
     /// ("RWBlock", forced terminate); if the handler returns, the array stays null.
-    RWBlock(unsigned count, unsigned elementSize);
+    RWBlock(unsigned count, unsigned elementSize) : references_(1), data_(nullptr) {
+        if (count == 0)
+            return;
+        data_ = std::malloc(static_cast<std::size_t>(count) * elementSize);
+        if (data_ == nullptr)
+            allocationFailed();
+    }
     /// Frees the array. Only release() destroys blocks.
-    ~RWBlock();
+    ~RWBlock() { std::free(data_); }
     RWBlock(const RWBlock&) = delete;
     RWBlock& operator=(const RWBlock&) = delete;
+
+    /// Header records come from a short per-thread list of released headers (at most a few
+    /// hundred records, returned to the heap when the thread ends) and otherwise from the
+    /// general heap, whose failure behaviour they keep. Element arrays never come from it.
+    static void* operator new(std::size_t size);
+    /// Puts the record on the calling thread's list, or back on the heap when the list is full.
+    static void operator delete(void* record) noexcept;
 
     /// The first element, or null for a zero-length block (or a failed allocation).
     void* data() const noexcept { return data_; }
@@ -28,9 +43,18 @@ public:
     /// Takes one more reference.
     void addReference() noexcept { ++references_; }
     /// Drops one reference of `block` and destroys it when none is left. Null is ignored.
-    static void release(RWBlock* block) noexcept;
+    static void release(RWBlock* block) noexcept {
+        // Inline: every temporary vector ends here, and most releases only decrement.
+        if (block != nullptr && --block->references_ == 0)
+            destroy(block);
+    }
 
 private:
+    /// Frees the array and the header of a block whose last reference is gone.
+    static void destroy(RWBlock* block) noexcept;
+    /// Raises NOMEM for an element array that could not be allocated.
+    static void allocationFailed();
+
     std::uint16_t references_;
     void* data_;
 };

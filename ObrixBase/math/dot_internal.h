@@ -33,26 +33,62 @@ inline double combineLanes(const double (&s)[8]) noexcept {
     return ((s[0] + s[4]) + (s[2] + s[6])) + ((s[1] + s[5]) + (s[3] + s[7]));
 }
 
+#if defined(OBRIX_HAVE_VECTOR_EXTENSIONS)
+/// The contiguous double case of dotProduct, in the same order. The pairs of the last n mod 8
+/// terms go straight into the two-lane sums whose lanes they belong to, and only a final odd
+/// term is added alone: short vectors are common, and a strided tail costs more here than the
+/// products do.
+inline double dotContiguous(const double* a, const double* b, unsigned n) {
+    Double2 v0 = {0, 0}, v1 = {0, 0}, v2 = {0, 0}, v3 = {0, 0};
+    const unsigned n8 = n & ~7u;
+    unsigned i = 0;
+    for (; i < n8; i += 8) {
+        v0 += loadDouble2(a + i) * loadDouble2(b + i);
+        v1 += loadDouble2(a + i + 2) * loadDouble2(b + i + 2);
+        v2 += loadDouble2(a + i + 4) * loadDouble2(b + i + 4);
+        v3 += loadDouble2(a + i + 6) * loadDouble2(b + i + 6);
+    }
+    const unsigned rest = n - i;
+    if (rest >= 2)
+        v0 += loadDouble2(a + i) * loadDouble2(b + i);
+    if (rest >= 4)
+        v1 += loadDouble2(a + i + 2) * loadDouble2(b + i + 2);
+    if (rest >= 6)
+        v2 += loadDouble2(a + i + 4) * loadDouble2(b + i + 4);
+    if (rest & 1u) {
+        const double last = a[n - 1] * b[n - 1];
+        switch (rest) {
+        case 1:
+            v0[0] += last;
+            break;
+        case 3:
+            v1[0] += last;
+            break;
+        case 5:
+            v2[0] += last;
+            break;
+        default:
+            v3[0] += last;
+            break;
+        }
+    }
+    // combineLanes, two lanes at a time: lane 0 is (s0 + s4) + (s2 + s6), lane 1 the odd sums.
+    const Double2 halves = (v0 + v2) + (v1 + v3);
+    return halves[0] + halves[1];
+}
+#endif
+
 /// Inner product of n elements of a (by stride sa) and b (by stride sb).
 template <class T>
 inline T dotProduct(const T* a, std::ptrdiff_t sa, const T* b, std::ptrdiff_t sb, unsigned n) {
     if constexpr (std::is_floating_point_v<T>) {
+#if defined(OBRIX_HAVE_VECTOR_EXTENSIONS)
+        if (sa == 1 && sb == 1)
+            return dotContiguous(a, b, n);
+#endif
         double s[8] = {0, 0, 0, 0, 0, 0, 0, 0};
         const unsigned n8 = n & ~7u;
         unsigned i = 0;
-#if defined(OBRIX_HAVE_VECTOR_EXTENSIONS)
-        if (sa == 1 && sb == 1) {
-            Double2 v0 = {0, 0}, v1 = {0, 0}, v2 = {0, 0}, v3 = {0, 0};
-            for (; i < n8; i += 8) {
-                v0 += loadDouble2(a + i) * loadDouble2(b + i);
-                v1 += loadDouble2(a + i + 2) * loadDouble2(b + i + 2);
-                v2 += loadDouble2(a + i + 4) * loadDouble2(b + i + 4);
-                v3 += loadDouble2(a + i + 6) * loadDouble2(b + i + 6);
-            }
-            s[0] = v0[0], s[1] = v0[1], s[2] = v1[0], s[3] = v1[1];
-            s[4] = v2[0], s[5] = v2[1], s[6] = v3[0], s[7] = v3[1];
-        }
-#endif
         for (; i < n8; i += 8)
             for (unsigned k = 0; k < 8; ++k)
                 s[k] += a[(i + k) * sa] * b[(i + k) * sb];

@@ -48,16 +48,27 @@ TEST(VecFunctions, SequencesAndReductionsFollowIndexOrder) {
     EXPECT_EQ(elements(abs(SCharVec(2, -2, 3))), (std::vector<signed char>{2, 1}));
 }
 
-TEST(VecFunctions, DotIsTheSameForAStridedViewAndItsCopy) {
-    DoubleVec v(23, 0.1, 0.37);
-    DoubleVec w(23, -3.0, 0.71);
-    const DoubleVec strided = v.slice(22, 7, -3);
-    const DoubleVec other = w.slice(0, 7, 3);
-    EXPECT_EQ(dot(strided, other), dot(strided.copy(), other.copy()));
-    double naive = 0.0;
-    for (int i = 0; i < 7; ++i)
-        naive += strided(i) * other(i);
-    EXPECT_NEAR(dot(strided, other), naive, 1e-12);
+TEST(VecFunctions, DotAddsInEightLanesForEveryLengthAndStride) {
+    // Magnitudes far apart make every grouping of the additions round differently, so the
+    // contiguous and the strided paths must both follow the lane order exactly.
+    DoubleVec v(60), w(60);
+    for (int i = 0; i < 60; ++i) {
+        v(i) = std::ldexp(1.0 + 0.37 * i, (i * 7) % 60 - 30);
+        w(i) = std::ldexp(-1.0 + 0.11 * i, (i * 13) % 50 - 25);
+    }
+    for (unsigned n = 0; n <= 19; ++n) {
+        double lanes[8] = {0, 0, 0, 0, 0, 0, 0, 0};
+        for (unsigned i = 0; i < n; ++i)
+            lanes[i % 8] += v(static_cast<int>(i)) * w(static_cast<int>(i));
+        const double expected = ((lanes[0] + lanes[4]) + (lanes[2] + lanes[6])) +
+                                ((lanes[1] + lanes[5]) + (lanes[3] + lanes[7]));
+        const DoubleVec a = v.slice(0, n), b = w.slice(0, n);
+        EXPECT_EQ(dot(a, b), expected) << "n = " << n;
+        DoubleVec spreadA(3 * n + 1, 0.0), spreadB(3 * n + 1, 0.0);
+        spreadA.slice(0, n, 3) = a;
+        spreadB.slice(0, n, 3) = b;
+        EXPECT_EQ(dot(spreadA.slice(0, n, 3), spreadB.slice(0, n, 3)), expected) << "n = " << n;
+    }
 }
 
 TEST(VecFunctions, ExtremaTakeTheFirstAndIgnoreNaN) {
