@@ -3,16 +3,16 @@
 // the free columns the one with the largest remaining diagonal is brought forward. Factoring
 // stops at the first pivot that is not positive, leaving the reduced trailing matrix behind.
 //
-// Small orders are factored right-looking in a padded copy of the upper triangle: each row
+// Orders from 9 to 64 are factored right-looking in a padded copy of the upper triangle: each row
 // of R is gathered once into contiguous memory and the trailing columns take it in one
 // vector update each. The padding lets every column update run in whole vectors past its
 // end into rows that are discarded, so short columns need no scalar remainder, and the
 // caller's strict lower triangle is never written.
 //
-// Larger orders go a panel of rows of R at a time: inside the panel each row is formed from
-// the columns of A and the panel rows above it (the remaining diagonal is kept current in
-// work, so pivots can be chosen before the trailing matrix is updated); after the panel the
-// trailing upper triangle takes the panel's contribution in one blocked rank-k update.
+// Other orders go a panel of rows of R at a time (the smallest fit one panel): inside the panel
+// each row is formed from the columns of A and the panel rows above it (the remaining diagonal is
+// kept current in work, so pivots can be chosen before the trailing matrix is updated); after the
+// panel the trailing upper triangle takes the panel's contribution in one blocked rank-k update.
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -106,6 +106,9 @@ OBRIX_ALWAYS_INLINE void placeFixedColumns(Upper A, int p, int* jpvt, int& freeB
 constexpr int kSmallOrder = 64;
 constexpr int kVector = 8;
 constexpr int kSmallLd = kSmallOrder + kVector;
+// Below this the copy costs more than the short columns gain from whole-vector updates, and
+// the row-at-a-time panel form is quicker.
+constexpr int kPanelOnlyOrder = 8;
 
 // The first among the free columns with the largest remaining diagonal d: a later column
 // must be strictly larger to win, and a diagonal that is not a number never does (nor does
@@ -189,22 +192,19 @@ OBRIX_ALWAYS_INLINE void copyColumn(double* y, const double* x, int n) {
 // dimension kSmallLd); d holds the remaining diagonal and r the current row of R. Returns
 // the order of the part factored with positive pivots; when it stops early the reduced
 // trailing matrix is left in a, diagonal included.
-template <bool Padded>
-OBRIX_ALWAYS_INLINE int rightLooking(double* a, int lda, int p, double* w, double* d, double* r,
-                                     int* jpvt, bool pivoting) {
-    Upper A{a, lda}, W = Padded ? Upper{w, kSmallLd} : A;
-    if (Padded) {
-        // The slack rows below each column's upper part are zeroed, so the updates that run
-        // into them compute on numbers; the copy reads the caller's upper triangle only.
-        const int slackEnd = (p + kVector - 1) / kVector * kVector + kVector;
-        for (int j = 0; j < p; ++j) {
-            zeroVectors(W.col(j) + (j + 1) / kVector * kVector,
-                        slackEnd - (j + 1) / kVector * kVector);
-            copyColumn(W.col(j), A.col(j), j + 1);
-        }
-        zeroVectors(d, slackEnd);
-        zeroVectors(r, slackEnd);
+OBRIX_ALWAYS_INLINE int factorSmallBody(double* a, int lda, int p, double* w, double* d, double* r,
+                                        int* jpvt, bool pivoting) {
+    Upper A{a, lda}, W{w, kSmallLd};
+    // The slack rows below each column's upper part are zeroed, so the updates that run into
+    // them compute on numbers; the copy reads the caller's upper triangle only.
+    const int slackEnd = (p + kVector - 1) / kVector * kVector + kVector;
+    for (int j = 0; j < p; ++j) {
+        int slackBegin = (j + 1) / kVector * kVector;
+        zeroVectors(W.col(j) + slackBegin, slackEnd - slackBegin);
+        copyColumn(W.col(j), A.col(j), j + 1);
     }
+    zeroVectors(d, slackEnd);
+    zeroVectors(r, slackEnd);
     int freeBegin = 0, freeEnd = p;
     if (pivoting)
         placeFixedColumns(W, p, jpvt, freeBegin, freeEnd);
@@ -237,28 +237,12 @@ OBRIX_ALWAYS_INLINE int rightLooking(double* a, int lda, int p, double* w, doubl
             d[j] -= r[j] * r[j];
         // Column j of the trailing matrix above its diagonal takes R(k, j) * R(k, k+1 .. j-1);
         // the diagonal itself lives in d.
-        for (int j = k + 2; j < p; ++j) {
-            if (Padded)
-                subtractScaledPadded(W.col(j) + k + 1, r + k + 1, r[j], j - k - 1);
-            else
-                for (int i = k + 1; i < j; ++i)
-                    W(i, j) -= r[j] * r[i];
-        }
+        for (int j = k + 2; j < p; ++j)
+            subtractScaledPadded(W.col(j) + k + 1, r + k + 1, r[j], j - k - 1);
     }
-    if (Padded)
-        for (int j = 0; j < p; ++j)
-            copyColumn(A.col(j), W.col(j), j + 1);
+    for (int j = 0; j < p; ++j)
+        copyColumn(A.col(j), W.col(j), j + 1);
     return k;
-}
-
-// Tiny orders are factored in place: the copy would cost more than the short columns lose
-// to element-by-element updates.
-constexpr int kInPlaceOrder = 8;
-
-OBRIX_ALWAYS_INLINE int factorSmallBody(double* a, int lda, int p, double* w, double* d, double* r,
-                                        int* jpvt, bool pivoting) {
-    return p <= kInPlaceOrder ? rightLooking<false>(a, lda, p, w, d, r, jpvt, pivoting)
-                              : rightLooking<true>(a, lda, p, w, d, r, jpvt, pivoting);
 }
 
 OBRIX_SIMD_DISPATCH(int, factorSmall,
@@ -273,7 +257,7 @@ void dchdc(double* a, int lda, int p, double* work, int* jpvt, int job, int* inf
     *info = 0;
     if (p <= 0)
         return;
-    if (p <= kSmallOrder) {
+    if (p > kPanelOnlyOrder && p <= kSmallOrder) {
         alignas(64) double w[kSmallLd * kSmallOrder];
         alignas(64) double d[kSmallLd], r[kSmallLd];
         *info = factorSmall(a, lda, p, w, d, r, jpvt, job != 0);
