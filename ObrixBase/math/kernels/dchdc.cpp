@@ -1,13 +1,21 @@
 // Cholesky factorisation P'*A*P = R'*R with diagonal pivoting. Initial and final columns are
 // first moved to the ends by symmetric interchanges and then stay put; at each step among
-// the free columns the one with the largest remaining diagonal is brought forward. The work
-// is done a panel of rows of R at a time: inside the panel each row is formed from the
-// columns of A and the panel rows above it (the remaining diagonal is kept current in work,
-// so pivots can be chosen before the trailing matrix is updated); after the panel the
-// trailing upper triangle takes the panel's contribution in one blocked rank-k update.
-// Factoring stops at the first pivot that is not positive.
+// the free columns the one with the largest remaining diagonal is brought forward. Factoring
+// stops at the first pivot that is not positive, leaving the reduced trailing matrix behind.
+//
+// Orders from 9 to 64 are factored right-looking in a padded copy of the upper triangle: each row
+// of R is gathered once into contiguous memory and the trailing columns take it in one
+// vector update each. The padding lets every column update run in whole vectors past its
+// end into rows that are discarded, so short columns need no scalar remainder, and the
+// caller's strict lower triangle is never written.
+//
+// Other orders go a panel of rows of R at a time (the smallest fit one panel): inside the panel
+// each row is formed from the columns of A and the panel rows above it (the remaining diagonal is
+// kept current in work, so pivots can be chosen before the trailing matrix is updated); after the
+// panel the trailing upper triangle takes the panel's contribution in one blocked rank-k update.
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <utility>
 #include <vector>
 
@@ -28,7 +36,7 @@ struct Upper {
 };
 
 // Symmetric interchange of k < q in the matrix whose upper triangle is stored.
-void interchange(Upper A, int p, int k, int q) {
+OBRIX_ALWAYS_INLINE void interchange(Upper A, int p, int k, int q) {
     if (k == q)
         return;
     for (int i = 0; i < k; ++i)
@@ -68,6 +76,180 @@ void trailingUpdate(Upper A, int p, int k0, int k1, int r0) {
     }
 }
 
+// Moves initial columns (jpvt > 0) to the front in their order and final ones (jpvt < 0) to
+// the back, and turns jpvt into the 1-based record of original columns. [freeBegin, freeEnd)
+// is then the range in which pivots are chosen.
+OBRIX_ALWAYS_INLINE void placeFixedColumns(Upper A, int p, int* jpvt, int& freeBegin,
+                                           int& freeEnd) {
+    for (int k = 0; k < p; ++k) {
+        bool initial = jpvt[k] > 0;
+        jpvt[k] = jpvt[k] < 0 ? -(k + 1) : k + 1;
+        if (initial) {
+            interchange(A, p, freeBegin, k);
+            std::swap(jpvt[freeBegin], jpvt[k]);
+            ++freeBegin;
+        }
+    }
+    for (int k = p - 1; k >= freeBegin; --k) {
+        if (jpvt[k] < 0) {
+            jpvt[k] = -jpvt[k];
+            --freeEnd;
+            interchange(A, p, k, freeEnd);
+            std::swap(jpvt[freeEnd], jpvt[k]);
+        }
+    }
+}
+
+// Orders up to kSmallOrder go through the padded copy. Its leading dimension leaves a whole
+// vector of rows below the last, so an update that starts anywhere in a column may run on
+// in whole vectors; the vectors d and r carry the same slack.
+constexpr int kSmallOrder = 64;
+constexpr int kVector = 8;
+constexpr int kSmallLd = kSmallOrder + kVector;
+// Below this the copy costs more than the short columns gain from whole-vector updates, and
+// the row-at-a-time panel form is quicker.
+constexpr int kPanelOnlyOrder = 8;
+
+// The first among the free columns with the largest remaining diagonal d: a later column
+// must be strictly larger to win, and a diagonal that is not a number never does (nor does
+// any other when the leading candidate is not a number). The largest value is found first
+// with independent partial maxima, then its first occurrence, so the search does not wait
+// on one comparison after another.
+OBRIX_ALWAYS_INLINE int choosePivot(const double* d, int k, int freeBegin, int freeEnd,
+                                    bool pivoting) {
+    if (!pivoting || k < freeBegin || k >= freeEnd || d[k] != d[k])
+        return k;
+    double best = d[k];
+    int j = k + 1;
+#if defined(__GNUC__)
+    typedef double V8 __attribute__((vector_size(8 * sizeof(double))));
+    if (j + kVector <= freeEnd) {
+        V8 m = V8{} + best;
+        for (; j + kVector <= freeEnd; j += kVector) {
+            V8 x;
+            std::memcpy(&x, d + j, sizeof x);
+            m = x > m ? x : m;
+        }
+        for (int l = 0; l < kVector; ++l)
+            best = m[l] > best ? m[l] : best;
+    }
+#endif
+    for (; j < freeEnd; ++j)
+        best = d[j] > best ? d[j] : best;
+    int piv = k;
+    while (!(d[piv] == best))
+        ++piv;
+    return piv;
+}
+
+// y[0 .. n rounded up to whole vectors) -= s * x[same]: the elements past n are slack.
+OBRIX_ALWAYS_INLINE void subtractScaledPadded(double* y, const double* x, double s, int n) {
+#if defined(__GNUC__)
+    typedef double V8 __attribute__((vector_size(8 * sizeof(double))));
+    V8 sv = V8{} + s;
+    for (int i = 0; i < n; i += kVector) {
+        V8 a, b;
+        std::memcpy(&a, y + i, sizeof a);
+        std::memcpy(&b, x + i, sizeof b);
+        a -= sv * b;
+        std::memcpy(y + i, &a, sizeof a);
+    }
+#else
+    for (int i = 0; i < n; ++i)
+        y[i] -= s * x[i];
+#endif
+}
+
+// y[0 .. n) = 0 for n a multiple of the vector length.
+OBRIX_ALWAYS_INLINE void zeroVectors(double* y, int n) {
+#if defined(__GNUC__)
+    typedef double V8 __attribute__((vector_size(8 * sizeof(double))));
+    const V8 zero = {};
+    for (int i = 0; i < n; i += kVector)
+        std::memcpy(y + i, &zero, sizeof zero);
+#else
+    for (int i = 0; i < n; ++i)
+        y[i] = 0.0;
+#endif
+}
+
+// y[0 .. n) = x[0 .. n), in whole vectors while they fit and element by element after.
+OBRIX_ALWAYS_INLINE void copyColumn(double* y, const double* x, int n) {
+    int i = 0;
+#if defined(__GNUC__)
+    typedef double V8 __attribute__((vector_size(8 * sizeof(double))));
+    for (; i + kVector <= n; i += kVector) {
+        V8 v;
+        std::memcpy(&v, x + i, sizeof v);
+        std::memcpy(y + i, &v, sizeof v);
+    }
+#endif
+    for (; i < n; ++i)
+        y[i] = x[i];
+}
+
+// Right-looking factorisation of a (p <= kSmallOrder) through the padded copy w (leading
+// dimension kSmallLd); d holds the remaining diagonal and r the current row of R. Returns
+// the order of the part factored with positive pivots; when it stops early the reduced
+// trailing matrix is left in a, diagonal included.
+OBRIX_ALWAYS_INLINE int factorSmallBody(double* a, int lda, int p, double* w, double* d, double* r,
+                                        int* jpvt, bool pivoting) {
+    Upper A{a, lda}, W{w, kSmallLd};
+    // The slack rows below each column's upper part are zeroed, so the updates that run into
+    // them compute on numbers; the copy reads the caller's upper triangle only.
+    const int slackEnd = (p + kVector - 1) / kVector * kVector + kVector;
+    for (int j = 0; j < p; ++j) {
+        int slackBegin = (j + 1) / kVector * kVector;
+        zeroVectors(W.col(j) + slackBegin, slackEnd - slackBegin);
+        copyColumn(W.col(j), A.col(j), j + 1);
+    }
+    zeroVectors(d, slackEnd);
+    zeroVectors(r, slackEnd);
+    int freeBegin = 0, freeEnd = p;
+    if (pivoting)
+        placeFixedColumns(W, p, jpvt, freeBegin, freeEnd);
+    for (int j = 0; j < p; ++j)
+        d[j] = W(j, j);
+
+    int k = 0;
+    for (; k < p; ++k) {
+        int piv = choosePivot(d, k, freeBegin, freeEnd, pivoting);
+        if (!(d[piv] > 0.0)) {
+            for (int j = k; j < p; ++j)
+                W(j, j) = d[j];
+            break;
+        }
+        if (piv != k) {
+            interchange(W, p, k, piv);
+            std::swap(d[k], d[piv]);
+            std::swap(jpvt[k], jpvt[piv]);
+        }
+        double rkk = std::sqrt(d[k]);
+        W(k, k) = rkk;
+        const double inv = 1.0 / rkk;
+        // Row k of R, kept contiguous in r for the updates below.
+        for (int j = k + 1; j < p; ++j) {
+            double v = W(k, j) * inv;
+            W(k, j) = v;
+            r[j] = v;
+        }
+        for (int j = k + 1; j < p; ++j)
+            d[j] -= r[j] * r[j];
+        // Column j of the trailing matrix above its diagonal takes R(k, j) * R(k, k+1 .. j-1);
+        // the diagonal itself lives in d.
+        for (int j = k + 2; j < p; ++j)
+            subtractScaledPadded(W.col(j) + k + 1, r + k + 1, r[j], j - k - 1);
+    }
+    for (int j = 0; j < p; ++j)
+        copyColumn(A.col(j), W.col(j), j + 1);
+    return k;
+}
+
+OBRIX_SIMD_DISPATCH(int, factorSmall,
+                    (double* a, int lda, int p, double* w, double* d, double* r, int* jpvt,
+                     bool pivoting),
+                    (a, lda, p, w, d, r, jpvt, pivoting))
+
 } // namespace
 
 void dchdc(double* a, int lda, int p, double* work, int* jpvt, int job, int* info) {
@@ -75,28 +257,16 @@ void dchdc(double* a, int lda, int p, double* work, int* jpvt, int job, int* inf
     *info = 0;
     if (p <= 0)
         return;
-    int freeBegin = 0, freeEnd = p;
-    if (job != 0) {
-        // Initial columns to the front, in their order.
-        for (int k = 0; k < p; ++k) {
-            bool initial = jpvt[k] > 0;
-            jpvt[k] = jpvt[k] < 0 ? -(k + 1) : k + 1;
-            if (initial) {
-                interchange(A, p, freeBegin, k);
-                std::swap(jpvt[freeBegin], jpvt[k]);
-                ++freeBegin;
-            }
-        }
-        // Final columns to the back.
-        for (int k = p - 1; k >= freeBegin; --k) {
-            if (jpvt[k] < 0) {
-                jpvt[k] = -jpvt[k];
-                --freeEnd;
-                interchange(A, p, k, freeEnd);
-                std::swap(jpvt[freeEnd], jpvt[k]);
-            }
-        }
+    if (p > kPanelOnlyOrder && p <= kSmallOrder) {
+        alignas(64) double w[kSmallLd * kSmallOrder];
+        alignas(64) double d[kSmallLd], r[kSmallLd];
+        *info = factorSmall(a, lda, p, w, d, r, jpvt, job != 0);
+        return;
     }
+
+    int freeBegin = 0, freeEnd = p;
+    if (job != 0)
+        placeFixedColumns(A, p, jpvt, freeBegin, freeEnd);
 
     for (int j = 0; j < p; ++j)
         work[j] = A(j, j);
@@ -104,15 +274,7 @@ void dchdc(double* a, int lda, int p, double* work, int* jpvt, int job, int* inf
         int k1 = std::min(p, k0 + kPanel);
         for (int k = k0; k < k1; ++k) {
             // work[j] is A(j, j) less the squares of the panel rows above k in column j.
-            int piv = k;
-            if (job != 0 && k >= freeBegin && k < freeEnd) {
-                double best = work[k];
-                for (int j = k + 1; j < freeEnd; ++j)
-                    if (work[j] > best) {
-                        best = work[j];
-                        piv = j;
-                    }
-            }
+            int piv = choosePivot(work, k, freeBegin, freeEnd, job != 0);
             if (!(work[piv] > 0.0)) {
                 trailingUpdate(A, p, k0, k, k);
                 *info = k;
