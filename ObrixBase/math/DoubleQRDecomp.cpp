@@ -14,6 +14,19 @@ int leading(const DoubleGenMat& a) {
     return a.rows() > 0 ? static_cast<int>(a.rows()) : 1;
 }
 
+// The argument rule of every caller of the apply kernel: y needs the m elements of a column
+// (else FACT_BADLENGTH (length, m) and false); a reflector count kk outside [0, mn] means all
+// mn of them.
+bool applyArgumentsFit(const DoubleVec& y, unsigned m, int mn, int& kk) {
+    if (y.length() != m) {
+        mathErrorRaise(FACT_BADLENGTH, y.length(), m);
+        return false;
+    }
+    if (kk < 0 || kk > mn)
+        kk = mn;
+    return true;
+}
+
 // The decimal job digits of the apply kernel.
 constexpr int kQy = 10000, kQty = 1000, kCoef = 100, kResidual = 10, kFit = 1;
 } // namespace
@@ -84,14 +97,9 @@ int DoubleQRDecomp::isSingular() const {
 }
 
 DoubleVec DoubleQRDecomp::apply(const DoubleVec& y, int kk, int job) const {
-    unsigned m = rows();
-    if (y.length() != m) {
-        mathErrorRaise(FACT_BADLENGTH, y.length(), m);
+    const unsigned m = rows();
+    if (!applyArgumentsFit(y, m, diagonalCount(), kk))
         return DoubleVec();
-    }
-    int mn = diagonalCount();
-    if (kk < 0 || kk > mn)
-        kk = mn;
     DoubleVec in = y.copy();
     DoubleVec out(job == kCoef ? static_cast<unsigned>(kk) : m, 0.0);
     std::vector<double> qty(m);
@@ -106,14 +114,9 @@ DoubleVec DoubleQRDecomp::apply(const DoubleVec& y, int kk, int job) const {
 
 DoubleVec DoubleQRDecomp::computeQTy(const DoubleVec& y, int kk) const {
     // Q'y comes back in the qty argument; route it through the output vector.
-    unsigned m = rows();
-    if (y.length() != m) {
-        mathErrorRaise(FACT_BADLENGTH, y.length(), m);
+    const unsigned m = rows();
+    if (!applyArgumentsFit(y, m, diagonalCount(), kk))
         return DoubleVec();
-    }
-    int mn = diagonalCount();
-    if (kk < 0 || kk > mn)
-        kk = mn;
     DoubleVec out = y.copy();
     int info = 0;
     if (m > 0)
@@ -142,23 +145,11 @@ DoubleVec DoubleQRDecomp::solve(const DoubleVec& b) const {
 }
 
 DoubleVec DoubleQRDecomp::permute(const DoubleVec& v) const {
-    if (v.length() != cols()) {
-        mathErrorRaise(FACT_PERMUTELENGTH, v.length(), cols());
-        // Reordering by pivots of another length would index past one end: the vector
-        // comes back as given.
-        return v.copy();
-    }
-    return obrix::detail::permuteBy(pivots_, v);
+    return obrix::detail::reorderChecked(pivots_, v, cols(), true);
 }
 
 DoubleVec DoubleQRDecomp::unpermute(const DoubleVec& v) const {
-    if (v.length() != cols()) {
-        mathErrorRaise(FACT_PERMUTELENGTH, v.length(), cols());
-        // Reordering by pivots of another length would index past one end: the vector
-        // comes back as given.
-        return v.copy();
-    }
-    return obrix::detail::unpermuteBy(pivots_, v);
+    return obrix::detail::reorderChecked(pivots_, v, cols(), false);
 }
 
 DoubleLeastSqQR::DoubleLeastSqQR() : DoubleQRDecomp(), tolerance_(0.0) {

@@ -59,15 +59,14 @@ DoubleVec DoublePackedMat::leadingElements(int k) const {
     return DoubleVec(vec_, 0, packedLength(kk), 1);
 }
 
-DoubleSymMat::DoubleSymMat(unsigned n, unsigned m) : DoublePackedMat(n, m) {
+DoubleSymMat::DoubleSymMat(unsigned n, unsigned m) : PackedMatMembers(n, m) {
 }
 
-DoubleSymMat::DoubleSymMat(unsigned n, unsigned m, double value) : DoublePackedMat(n, m) {
-    vec_ = value;
+DoubleSymMat::DoubleSymMat(unsigned n, unsigned m, double value) : PackedMatMembers(n, m, value) {
 }
 
 DoubleSymMat::DoubleSymMat(const DoubleVec& data, unsigned n, unsigned m)
-    : DoublePackedMat(data, n, m, "DoubleSymMat") {
+    : PackedMatMembers(data, n, m, "DoubleSymMat") {
 }
 
 DoubleSymMat& DoubleSymMat::operator=(const DoubleSymMat& other) {
@@ -76,19 +75,15 @@ DoubleSymMat& DoubleSymMat::operator=(const DoubleSymMat& other) {
 }
 
 DoubleSymMat& DoubleSymMat::reference(const DoubleSymMat& other) noexcept {
-    vec_.reference(other.vec_);
-    n_ = other.n_;
-    return *this;
+    return rebind(other);
 }
 
 DoubleSymMat DoubleSymMat::copy() const {
-    return DoubleSymMat(vec_.copy(), n_, n_);
+    return packedCopy();
 }
 
 DoubleSymMat DoubleSymMat::leadingSubmatrix(int k) const {
-    const DoubleVec leading = leadingElements(k);
-    const unsigned order = k < 0 ? 0u : static_cast<unsigned>(k);
-    return DoubleSymMat(leading, order, order);
+    return leadingBlock(k);
 }
 
 DoubleSymMat toSymMat(const DoubleGenMat& a) {

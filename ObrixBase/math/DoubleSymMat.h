@@ -70,8 +70,68 @@ constexpr unsigned packedLength(unsigned n) noexcept {
     return n * (n + 1) / 2;
 }
 
+namespace obrix::detail {
+/// The members every packed class has in the same form, written once over the class that
+/// derives from it (`Derived`), so that results and arguments keep that class's type.
+/// `Derived` provides element access through operator() and a copy() member.
+template <class Derived>
+class PackedMatMembers : public DoublePackedMat {
+public:
+    /// Sets every stored element to `value`.
+    Derived& operator=(double value) {
+        vec_ = value;
+        return self();
+    }
+    /// The same as copy().
+    Derived deepCopy() const { return self().copy(); }
+    /// Order m keeping the leading submatrix (resize) or nothing (reshape); 0x400D unless
+    /// n == m.
+    void resize(unsigned n, unsigned m) { resizePacked(n, m); }
+    void reshape(unsigned n, unsigned m) { reshapePacked(n, m); }
+    /// Checked read (0x4005 with (i, j, n, n)).
+    double bcval(int i, int j) const {
+        boundsCheck(i, j);
+        return self()(i, j);
+    }
+    /// f applied to every stored element, as a new matrix.
+    Derived apply(double (*f)(double)) const { return Derived(vec_.apply(f), n_, n_); }
+
+    /// Equal orders and equal stored elements.
+    friend bool operator==(const Derived& a, const Derived& b) {
+        return a.order() == b.order() && a.dataVec() == b.dataVec();
+    }
+    friend bool operator!=(const Derived& a, const Derived& b) { return !(a == b); }
+
+protected:
+    PackedMatMembers() noexcept = default;
+    PackedMatMembers(unsigned n, unsigned m) : DoublePackedMat(n, m) {}
+    PackedMatMembers(unsigned n, unsigned m, double value) : DoublePackedMat(n, m) { vec_ = value; }
+    PackedMatMembers(const DoubleVec& data, unsigned n, unsigned m, const char* className)
+        : DoublePackedMat(data, n, m, className) {}
+    PackedMatMembers(const PackedMatMembers&) noexcept = default;
+    ~PackedMatMembers() = default;
+
+    /// The bodies of the classes' own reference(), copy() and leadingSubmatrix().
+    Derived& rebind(const Derived& other) noexcept {
+        vec_.reference(other.vec_);
+        n_ = other.n_;
+        return self();
+    }
+    Derived packedCopy() const { return Derived(vec_.copy(), n_, n_); }
+    Derived leadingBlock(int k) const {
+        const DoubleVec leading = leadingElements(k);
+        const unsigned order = k < 0 ? 0u : static_cast<unsigned>(k);
+        return Derived(leading, order, order);
+    }
+
+private:
+    Derived& self() noexcept { return static_cast<Derived&>(*this); }
+    const Derived& self() const noexcept { return static_cast<const Derived&>(*this); }
+};
+} // namespace obrix::detail
+
 /// Symmetric packed matrix.
-class OBRIX_API DoubleSymMat : public DoublePackedMat {
+class OBRIX_API DoubleSymMat : public obrix::detail::PackedMatMembers<DoubleSymMat> {
 public:
     /// Order 0.
     DoubleSymMat() noexcept = default;
@@ -86,18 +146,11 @@ public:
     ~DoubleSymMat() = default;
     /// Copies elements (0x4004 unless the orders match).
     DoubleSymMat& operator=(const DoubleSymMat& other);
-    DoubleSymMat& operator=(double value) {
-        vec_ = value;
-        return *this;
-    }
+    using PackedMatMembers::operator=;
     /// Rebinds to `other`'s storage and order.
     DoubleSymMat& reference(const DoubleSymMat& other) noexcept;
+    /// A deep copy with contiguous storage.
     DoubleSymMat copy() const;
-    DoubleSymMat deepCopy() const { return copy(); }
-    /// Order m keeping the leading submatrix (resize) or nothing (reshape); 0x400D unless
-    /// n == m.
-    void resize(unsigned n, unsigned m) { resizePacked(n, m); }
-    void reshape(unsigned n, unsigned m) { reshapePacked(n, m); }
 
     /// Position of (i, j) in the packed vector.
     static std::ptrdiff_t index(int i, int j) noexcept {
@@ -112,10 +165,6 @@ public:
         boundsCheck(i, j);
         return (*this)(i, j);
     }
-    double bcval(int i, int j) const {
-        boundsCheck(i, j);
-        return (*this)(i, j);
-    }
     double bcset(int i, int j, double x) {
         boundsCheck(i, j);
         return (*this)(i, j) = x;
@@ -123,13 +172,6 @@ public:
     double set(int i, int j, double x) noexcept { return (*this)(i, j) = x; }
     /// The order-k leading block, sharing the storage (0x4018 unless 0 <= k <= n).
     DoubleSymMat leadingSubmatrix(int k) const;
-    /// f applied to every stored element, as a new matrix.
-    DoubleSymMat apply(double (*f)(double)) const { return DoubleSymMat(vec_.apply(f), n_, n_); }
-
-    bool operator==(const DoubleSymMat& other) const {
-        return n_ == other.n_ && vec_ == other.vec_;
-    }
-    bool operator!=(const DoubleSymMat& other) const { return !(*this == other); }
 };
 
 namespace obrix {

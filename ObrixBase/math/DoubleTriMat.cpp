@@ -1,14 +1,14 @@
 #include "ObrixBase/math/DoubleTriMat.h"
 
-DoubleLowerTriMat::DoubleLowerTriMat(unsigned n, unsigned m) : DoublePackedMat(n, m) {
+DoubleLowerTriMat::DoubleLowerTriMat(unsigned n, unsigned m) : TriMatMembers(n, m) {
 }
 
-DoubleLowerTriMat::DoubleLowerTriMat(unsigned n, unsigned m, double value) : DoublePackedMat(n, m) {
-    vec_ = value;
+DoubleLowerTriMat::DoubleLowerTriMat(unsigned n, unsigned m, double value)
+    : TriMatMembers(n, m, value) {
 }
 
 DoubleLowerTriMat::DoubleLowerTriMat(const DoubleVec& data, unsigned n, unsigned m)
-    : DoublePackedMat(data, n, m, "DoubleLowerTriMat") {
+    : TriMatMembers(data, n, m, "DoubleLowerTriMat") {
 }
 
 DoubleLowerTriMat& DoubleLowerTriMat::operator=(const DoubleLowerTriMat& other) {
@@ -17,38 +17,30 @@ DoubleLowerTriMat& DoubleLowerTriMat::operator=(const DoubleLowerTriMat& other) 
 }
 
 DoubleLowerTriMat& DoubleLowerTriMat::reference(const DoubleLowerTriMat& other) noexcept {
-    vec_.reference(other.vec_);
-    n_ = other.n_;
-    return *this;
+    return rebind(other);
 }
 
 DoubleLowerTriMat DoubleLowerTriMat::copy() const {
-    return DoubleLowerTriMat(vec_.copy(), n_, n_);
+    return packedCopy();
 }
 
 double DoubleLowerTriMat::bcset(int i, int j, double x) {
-    boundsCheck(i, j);
-    if (i < j)
-        mathErrorRaise(MATX_CHANGEELEMENT, i, j, "DoubleLowerTriMat");
-    (*this)(i, j) = x;
-    return x;
+    return checkedSet(i, j, x, "DoubleLowerTriMat");
 }
 
 DoubleLowerTriMat DoubleLowerTriMat::leadingSubmatrix(int k) const {
-    const DoubleVec leading = leadingElements(k);
-    const unsigned order = k < 0 ? 0u : static_cast<unsigned>(k);
-    return DoubleLowerTriMat(leading, order, order);
+    return leadingBlock(k);
 }
 
-DoubleUpperTriMat::DoubleUpperTriMat(unsigned n, unsigned m) : DoublePackedMat(n, m) {
+DoubleUpperTriMat::DoubleUpperTriMat(unsigned n, unsigned m) : TriMatMembers(n, m) {
 }
 
-DoubleUpperTriMat::DoubleUpperTriMat(unsigned n, unsigned m, double value) : DoublePackedMat(n, m) {
-    vec_ = value;
+DoubleUpperTriMat::DoubleUpperTriMat(unsigned n, unsigned m, double value)
+    : TriMatMembers(n, m, value) {
 }
 
 DoubleUpperTriMat::DoubleUpperTriMat(const DoubleVec& data, unsigned n, unsigned m)
-    : DoublePackedMat(data, n, m, "DoubleUpperTriMat") {
+    : TriMatMembers(data, n, m, "DoubleUpperTriMat") {
 }
 
 DoubleUpperTriMat& DoubleUpperTriMat::operator=(const DoubleUpperTriMat& other) {
@@ -57,49 +49,49 @@ DoubleUpperTriMat& DoubleUpperTriMat::operator=(const DoubleUpperTriMat& other) 
 }
 
 DoubleUpperTriMat& DoubleUpperTriMat::reference(const DoubleUpperTriMat& other) noexcept {
-    vec_.reference(other.vec_);
-    n_ = other.n_;
-    return *this;
+    return rebind(other);
 }
 
 DoubleUpperTriMat DoubleUpperTriMat::copy() const {
-    return DoubleUpperTriMat(vec_.copy(), n_, n_);
+    return packedCopy();
 }
 
 double DoubleUpperTriMat::bcset(int i, int j, double x) {
-    boundsCheck(i, j);
-    if (i > j)
-        mathErrorRaise(MATX_CHANGEELEMENT, i, j, "DoubleUpperTriMat");
-    (*this)(i, j) = x;
-    return x;
+    return checkedSet(i, j, x, "DoubleUpperTriMat");
 }
 
 DoubleUpperTriMat DoubleUpperTriMat::leadingSubmatrix(int k) const {
-    const DoubleVec leading = leadingElements(k);
-    const unsigned order = k < 0 ? 0u : static_cast<unsigned>(k);
-    return DoubleUpperTriMat(leading, order, order);
+    return leadingBlock(k);
 }
 
-DoubleLowerTriMat toLowerTriMat(const DoubleGenMat& a) {
+namespace {
+
+// The stored triangle of a square A. The lower triangle is walked row by row and the upper one
+// column by column: both visit (line, k) for k <= line, in packed order.
+template <class M>
+M triangleOf(const DoubleGenMat& a) {
     if (a.rows() != a.cols())
         mathErrorRaise(MATX_NSQUARE, a.rows(), a.cols());
     const int n = static_cast<int>(a.rows());
-    DoubleLowerTriMat l(a.rows(), a.rows());
-    for (int i = 0; i < n; ++i)
-        for (int j = 0; j <= i; ++j)
-            l(i, j) = a(i, j);
-    return l;
+    M t(a.rows(), a.rows());
+    for (int line = 0; line < n; ++line)
+        for (int k = 0; k <= line; ++k) {
+            if (M::stores(line, k))
+                t(line, k) = a(line, k);
+            else
+                t(k, line) = a(k, line);
+        }
+    return t;
+}
+
+} // namespace
+
+DoubleLowerTriMat toLowerTriMat(const DoubleGenMat& a) {
+    return triangleOf<DoubleLowerTriMat>(a);
 }
 
 DoubleUpperTriMat toUpperTriMat(const DoubleGenMat& a) {
-    if (a.rows() != a.cols())
-        mathErrorRaise(MATX_NSQUARE, a.rows(), a.cols());
-    const int n = static_cast<int>(a.rows());
-    DoubleUpperTriMat u(a.rows(), a.rows());
-    for (int j = 0; j < n; ++j)
-        for (int i = 0; i <= j; ++i)
-            u(i, j) = a(i, j);
-    return u;
+    return triangleOf<DoubleUpperTriMat>(a);
 }
 
 DoubleUpperTriMat transpose(const DoubleLowerTriMat& a) {

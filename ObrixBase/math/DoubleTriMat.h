@@ -34,8 +34,57 @@ private:
     double* element_;
 };
 
+namespace obrix::detail {
+/// The two triangular classes differ only in which triangle they store: the lower one
+/// (`lower`) keeps (i, j), j <= i, row by row; the upper one keeps (i, j), i <= j, column by
+/// column. Element access over either triangle is written once here.
+template <class Derived, bool lower>
+class TriMatMembers : public PackedMatMembers<Derived> {
+public:
+    /// True when (i, j) lies in the stored triangle.
+    static bool stores(int i, int j) noexcept { return lower ? j <= i : i <= j; }
+    /// Position of (i, j) of the stored triangle in the packed vector.
+    static std::ptrdiff_t index(int i, int j) noexcept {
+        return lower ? static_cast<std::ptrdiff_t>(i) * (i + 1) / 2 + j
+                     : static_cast<std::ptrdiff_t>(j) * (j + 1) / 2 + i;
+    }
+    /// Unchecked; the empty triangle gives the constant zero.
+    RODoubleRef ref(int i, int j) noexcept { return (*this)(i, j); }
+    /// Unchecked; the empty triangle gives the constant zero.
+    RODoubleRef operator()(int i, int j) noexcept {
+        return RODoubleRef(stores(i, j) ? &this->vec_(static_cast<int>(index(i, j))) : nullptr);
+    }
+    double operator()(int i, int j) const noexcept {
+        return stores(i, j) ? this->vec_(static_cast<int>(index(i, j))) : 0.0;
+    }
+    /// Checked form (0x4005 with (i, j, n, n)).
+    RODoubleRef bcref(int i, int j) {
+        this->boundsCheck(i, j);
+        return (*this)(i, j);
+    }
+    /// Unchecked; a store into the empty triangle is ignored.
+    double set(int i, int j, double x) noexcept {
+        (*this)(i, j) = x;
+        return x;
+    }
+
+protected:
+    using PackedMatMembers<Derived>::PackedMatMembers;
+
+    /// The body of the classes' own bcset(): 0x4005 out of range, 0x4009 (i, j, className)
+    /// in the empty triangle, where nothing is stored.
+    double checkedSet(int i, int j, double x, const char* className) {
+        this->boundsCheck(i, j);
+        if (!stores(i, j))
+            mathErrorRaise(MATX_CHANGEELEMENT, i, j, className);
+        (*this)(i, j) = x;
+        return x;
+    }
+};
+} // namespace obrix::detail
+
 /// Lower-triangular packed matrix.
-class OBRIX_API DoubleLowerTriMat : public DoublePackedMat {
+class OBRIX_API DoubleLowerTriMat : public obrix::detail::TriMatMembers<DoubleLowerTriMat, true> {
 public:
     /// Order 0.
     DoubleLowerTriMat() noexcept = default;
@@ -47,63 +96,21 @@ public:
     DoubleLowerTriMat(const DoubleVec& data, unsigned n, unsigned m);
     DoubleLowerTriMat(const DoubleLowerTriMat& other) noexcept = default;
     ~DoubleLowerTriMat() = default;
+    /// Copies elements (0x4004 unless the orders match).
     DoubleLowerTriMat& operator=(const DoubleLowerTriMat& other);
-    DoubleLowerTriMat& operator=(double value) {
-        vec_ = value;
-        return *this;
-    }
+    using PackedMatMembers::operator=;
     /// Rebinds to `other`'s storage and order.
     DoubleLowerTriMat& reference(const DoubleLowerTriMat& other) noexcept;
+    /// A deep copy with contiguous storage.
     DoubleLowerTriMat copy() const;
-    DoubleLowerTriMat deepCopy() const { return copy(); }
-    /// Order m keeping the leading submatrix (resize) or nothing (reshape); 0x400D unless
-    /// n == m.
-    void resize(unsigned n, unsigned m) { resizePacked(n, m); }
-    void reshape(unsigned n, unsigned m) { reshapePacked(n, m); }
-
-    /// Position of (i, j), j <= i, in the packed vector.
-    static std::ptrdiff_t index(int i, int j) noexcept {
-        return static_cast<std::ptrdiff_t>(i) * (i + 1) / 2 + j;
-    }
-    /// Unchecked; the upper triangle gives the constant zero.
-    RODoubleRef ref(int i, int j) noexcept { return (*this)(i, j); }
-    /// Unchecked; the upper triangle gives the constant zero.
-    RODoubleRef operator()(int i, int j) noexcept {
-        return RODoubleRef(j <= i ? &vec_(static_cast<int>(index(i, j))) : nullptr);
-    }
-    double operator()(int i, int j) const noexcept {
-        return j <= i ? vec_(static_cast<int>(index(i, j))) : 0.0;
-    }
-    /// Checked forms (0x4005 with (i, j, n, n)); reading the empty triangle gives 0.
-    RODoubleRef bcref(int i, int j) {
-        boundsCheck(i, j);
-        return (*this)(i, j);
-    }
-    double bcval(int i, int j) const {
-        boundsCheck(i, j);
-        return (*this)(i, j);
-    }
     /// Raises 0x4009 (i, j, "DoubleLowerTriMat") for i < j and stores nothing there.
     double bcset(int i, int j, double x);
-    double set(int i, int j, double x) noexcept {
-        (*this)(i, j) = x;
-        return x;
-    }
     /// The order-k leading block, sharing the storage (0x4018 unless 0 <= k <= n).
     DoubleLowerTriMat leadingSubmatrix(int k) const;
-    /// f applied to every stored element, as a new matrix.
-    DoubleLowerTriMat apply(double (*f)(double)) const {
-        return DoubleLowerTriMat(vec_.apply(f), n_, n_);
-    }
-
-    bool operator==(const DoubleLowerTriMat& other) const {
-        return n_ == other.n_ && vec_ == other.vec_;
-    }
-    bool operator!=(const DoubleLowerTriMat& other) const { return !(*this == other); }
 };
 
 /// Upper-triangular packed matrix.
-class OBRIX_API DoubleUpperTriMat : public DoublePackedMat {
+class OBRIX_API DoubleUpperTriMat : public obrix::detail::TriMatMembers<DoubleUpperTriMat, false> {
 public:
     /// Order 0; the constructors and members work as for DoubleLowerTriMat.
     DoubleUpperTriMat() noexcept = default;
@@ -113,53 +120,12 @@ public:
     DoubleUpperTriMat(const DoubleUpperTriMat& other) noexcept = default;
     ~DoubleUpperTriMat() = default;
     DoubleUpperTriMat& operator=(const DoubleUpperTriMat& other);
-    DoubleUpperTriMat& operator=(double value) {
-        vec_ = value;
-        return *this;
-    }
+    using PackedMatMembers::operator=;
     DoubleUpperTriMat& reference(const DoubleUpperTriMat& other) noexcept;
     DoubleUpperTriMat copy() const;
-    DoubleUpperTriMat deepCopy() const { return copy(); }
-    void resize(unsigned n, unsigned m) { resizePacked(n, m); }
-    void reshape(unsigned n, unsigned m) { reshapePacked(n, m); }
-
-    /// Position of (i, j), i <= j, in the packed vector.
-    static std::ptrdiff_t index(int i, int j) noexcept {
-        return static_cast<std::ptrdiff_t>(j) * (j + 1) / 2 + i;
-    }
-    /// Unchecked; the lower triangle gives the constant zero.
-    RODoubleRef ref(int i, int j) noexcept { return (*this)(i, j); }
-    /// Unchecked; the lower triangle gives the constant zero.
-    RODoubleRef operator()(int i, int j) noexcept {
-        return RODoubleRef(i <= j ? &vec_(static_cast<int>(index(i, j))) : nullptr);
-    }
-    double operator()(int i, int j) const noexcept {
-        return i <= j ? vec_(static_cast<int>(index(i, j))) : 0.0;
-    }
-    RODoubleRef bcref(int i, int j) {
-        boundsCheck(i, j);
-        return (*this)(i, j);
-    }
-    double bcval(int i, int j) const {
-        boundsCheck(i, j);
-        return (*this)(i, j);
-    }
     /// Raises 0x4009 (i, j, "DoubleUpperTriMat") for i > j and stores nothing there.
     double bcset(int i, int j, double x);
-    double set(int i, int j, double x) noexcept {
-        (*this)(i, j) = x;
-        return x;
-    }
     DoubleUpperTriMat leadingSubmatrix(int k) const;
-    /// f applied to every stored element, as a new matrix.
-    DoubleUpperTriMat apply(double (*f)(double)) const {
-        return DoubleUpperTriMat(vec_.apply(f), n_, n_);
-    }
-
-    bool operator==(const DoubleUpperTriMat& other) const {
-        return n_ == other.n_ && vec_ == other.vec_;
-    }
-    bool operator!=(const DoubleUpperTriMat& other) const { return !(*this == other); }
 };
 
 /// Keeps A(i, j) for j <= i (0x400D unless square); the dropped triangle is not checked.

@@ -7,6 +7,7 @@
 
 #include "ObrixBase/math/DoubleGenMat.h"
 #include "ObrixBase/math/DoubleVec.h"
+#include "ObrixBase/math/FactError.h"
 
 namespace obrix::detail {
 
@@ -40,6 +41,19 @@ inline DoubleVec unpermuteBy(const IntVec& pivots, const DoubleVec& v) {
     for (unsigned k = 0; k < v.length(); ++k)
         r(pivots(static_cast<int>(k))) = v(static_cast<int>(k));
     return r;
+}
+
+/// The body of the factorisations' permute() (toFactored) and unpermute(): v reordered by
+/// `pivots` when it has the n elements they describe. Another length raises
+/// FACT_PERMUTELENGTH (length, n) and, when the handler returns, gives v back as a copy:
+/// reordering by pivots of another length would index past one end.
+inline DoubleVec reorderChecked(const IntVec& pivots, const DoubleVec& v, unsigned n,
+                                bool toFactored) {
+    if (v.length() != n) {
+        mathErrorRaise(FACT_PERMUTELENGTH, v.length(), n);
+        return v.copy();
+    }
+    return toFactored ? permuteBy(pivots, v) : unpermuteBy(pivots, v);
 }
 
 /// A contiguous working copy of an optional caller vector that is written back on request;

@@ -8,26 +8,33 @@
 
 namespace qvObrixBase::kernels {
 
+namespace {
+
+// Rotation i (c[i], s[i]) acts on the pair (col[i], tail), for i = 0..count-1 in order: the
+// new row that enters the factor is carried along as `tail` while each earlier rotation of
+// the update is applied to a column of R or of Z.
+void applyRotations(int count, const double* c, const double* s, double* col, double& tail) {
+    for (int i = 0; i < count; ++i) {
+        const double t = c[i] * col[i] + s[i] * tail;
+        tail = c[i] * tail - s[i] * col[i];
+        col[i] = t;
+    }
+}
+
+} // namespace
+
 void dchud(double* r, int ldr, int p, const double* x, double* z, int ldz, int nz, const double* y,
            double* rho, double* c, double* s) {
     for (int j = 0; j < p; ++j) {
         double* rj = r + static_cast<long>(j) * ldr;
         double xj = x[j];
-        for (int i = 0; i < j; ++i) {
-            double t = c[i] * rj[i] + s[i] * xj;
-            xj = c[i] * xj - s[i] * rj[i];
-            rj[i] = t;
-        }
+        applyRotations(j, c, s, rj, xj);
         drotg(&rj[j], &xj, &c[j], &s[j]);
     }
     for (int j = 0; j < nz; ++j) {
         double* zj = z + static_cast<long>(j) * ldz;
         double zeta = y[j];
-        for (int i = 0; i < p; ++i) {
-            double t = c[i] * zj[i] + s[i] * zeta;
-            zeta = c[i] * zeta - s[i] * zj[i];
-            zj[i] = t;
-        }
+        applyRotations(p, c, s, zj, zeta);
         double scale = std::fabs(rho[j]) + std::fabs(zeta);
         if (scale != 0.0) {
             double a = rho[j] / scale, b = zeta / scale;

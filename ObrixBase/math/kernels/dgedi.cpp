@@ -2,9 +2,9 @@
 // mantissa and a power of ten so that it neither overflows nor underflows for large n; the
 // inverse is inv(U) formed in place, then multiplied by the stored elimination steps and
 // interchanges in reverse order.
-#include <cmath>
 #include <utility>
 
+#include "ObrixBase/math/kernels/determinant_internal.h"
 #include "ObrixBase/math/kernels/kernels.h"
 
 namespace qvObrixBase::kernels {
@@ -17,18 +17,8 @@ void dgedi(double* a, int lda, int n, const int* ipvt, double det[2], double* wo
         for (int i = 0; i < n; ++i) {
             if (ipvt[i] != i + 1)
                 det[0] = -det[0];
-            det[0] *= col(i)[i];
-            // An infinite or NaN mantissa cannot be normalised; stop rather than loop.
-            if (det[0] == 0.0 || !std::isfinite(det[0]))
+            if (!detail::scaleDeterminant(det, col(i)[i]))
                 break;
-            while (std::fabs(det[0]) < 1.0) {
-                det[0] *= 10.0;
-                det[1] -= 1.0;
-            }
-            while (std::fabs(det[0]) >= 10.0) {
-                det[0] /= 10.0;
-                det[1] += 1.0;
-            }
         }
     }
     if (job % 10 == 0)

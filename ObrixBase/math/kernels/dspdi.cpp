@@ -6,6 +6,7 @@
 // S*m and the new diagonal block inv(D) + m'*S*m, followed by the block's interchange.
 #include <cmath>
 
+#include "ObrixBase/math/kernels/determinant_internal.h"
 #include "ObrixBase/math/kernels/kernels.h"
 #include "ObrixBase/math/kernels/packed_internal.h"
 
@@ -59,21 +60,8 @@ void dspdi(double* ap, int n, const int* kpvt, double det[2], int inert[3], doub
                 else if (d == 0.0)
                     ++inert[2];
             }
-            if (wantDet && !detDone) {
-                det[0] *= d;
-                if (det[0] == 0.0 || !std::isfinite(det[0])) {
-                    detDone = true;
-                    continue;
-                }
-                while (std::fabs(det[0]) < 1.0) {
-                    det[0] *= 10.0;
-                    det[1] -= 1.0;
-                }
-                while (std::fabs(det[0]) >= 10.0) {
-                    det[0] /= 10.0;
-                    det[1] += 1.0;
-                }
-            }
+            if (wantDet && !detDone)
+                detDone = !detail::scaleDeterminant(det, d);
         }
     }
     if (job % 10 == 0)

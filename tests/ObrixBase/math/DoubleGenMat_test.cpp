@@ -9,19 +9,13 @@
 #include "ObrixBase/math/DoubleTriMat.h"
 #include "ObrixBase/math/VecFunctions.h"
 #include "tests/support/MathErrorCapture.h"
+#include "tests/support/NumericTestData.h"
 
 using obrix::test::MathErrorCapture;
+using obrix::test::printed;
+using obrix::test::randomMatrix;
 
 namespace {
-
-DoubleGenMat randomMatrix(std::mt19937& rng, unsigned rows, unsigned cols) {
-    std::uniform_real_distribution<double> value(-1.0, 1.0);
-    DoubleGenMat m(rows, cols);
-    for (unsigned j = 0; j < cols; ++j)
-        for (unsigned i = 0; i < rows; ++i)
-            m(static_cast<int>(i), static_cast<int>(j)) = value(rng);
-    return m;
-}
 
 // (A x B)(i, j) by the textbook triple loop, in index order.
 double naiveElement(const DoubleGenMat& a, const DoubleGenMat& b, int i, int j) {
@@ -29,13 +23,6 @@ double naiveElement(const DoubleGenMat& a, const DoubleGenMat& b, int i, int j) 
     for (int k = 0; k < static_cast<int>(a.cols()); ++k)
         sum += a(i, k) * b(k, j);
     return sum;
-}
-
-template <class M>
-std::string printed(const M& m) {
-    std::ostringstream out;
-    out << m;
-    return out.str();
 }
 
 } // namespace

@@ -5,27 +5,11 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/MathErrorCapture.h"
+#include "tests/support/NumericTestData.h"
 
+using obrix::test::elements;
 using obrix::test::MathErrorCapture;
-
-namespace {
-
-template <class T>
-std::vector<T> elements(const NumVec<T>& v) {
-    std::vector<T> out;
-    for (unsigned i = 0; i < v.length(); ++i)
-        out.push_back(v(static_cast<int>(i)));
-    return out;
-}
-
-template <class V>
-std::string printed(const V& v) {
-    std::ostringstream out;
-    out << v;
-    return out.str();
-}
-
-} // namespace
+using obrix::test::printed;
 
 TEST(DoubleVec, ConstructorsFillRampsByRepeatedAddition) {
     EXPECT_EQ(elements(DoubleVec(3, 2.5)), (std::vector<double>{2.5, 2.5, 2.5}));

@@ -6,21 +6,15 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/MathErrorCapture.h"
+#include "tests/support/NumericTestData.h"
 
+using obrix::test::elements;
 using obrix::test::MathErrorCapture;
 
 namespace {
 
 DoubleVec vec(std::initializer_list<double> values) {
     return DoubleVec(values.begin(), static_cast<unsigned>(values.size()));
-}
-
-template <class T>
-std::vector<T> elements(const NumVec<T>& v) {
-    std::vector<T> out;
-    for (unsigned i = 0; i < v.length(); ++i)
-        out.push_back(v(static_cast<int>(i)));
-    return out;
 }
 
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();

@@ -7,26 +7,22 @@
 
 #include "ObrixBase/math/DoubleChDecomp.h"
 #include "tests/support/MathErrorCapture.h"
+#include "tests/support/NumericTestData.h"
 
 using obrix::test::MathErrorCapture;
+using obrix::test::maxAbs;
+using obrix::test::randomMatrix;
 
 namespace {
 
+// B'B for a random rank x n B: positive semidefinite of the given rank.
 DoubleGenMat spd(std::mt19937& rng, unsigned n, unsigned rank) {
-    std::uniform_real_distribution<double> d(-1, 1);
-    DoubleGenMat b(rank, n);
-    for (unsigned j = 0; j < n; ++j)
-        for (unsigned i = 0; i < rank; ++i)
-            b(i, j) = d(rng);
+    const DoubleGenMat b = randomMatrix(rng, rank, n);
     return transposeProduct(b, b);
 }
 
 double residual(const DoubleGenMat& a, const DoubleVec& x, const DoubleVec& b) {
-    DoubleVec r = product(a, x) - b;
-    double m = 0;
-    for (unsigned i = 0; i < r.length(); ++i)
-        m = std::max(m, std::fabs(r(i)));
-    return m;
+    return maxAbs(product(a, x) - b);
 }
 
 } // namespace

@@ -7,33 +7,16 @@
 
 #include "ObrixBase/math/DoubleQRDecomp.h"
 #include "tests/support/MathErrorCapture.h"
+#include "tests/support/NumericTestData.h"
 
 using obrix::test::MathErrorCapture;
-
-namespace {
-
-DoubleGenMat randomMat(std::mt19937& rng, unsigned m, unsigned n) {
-    std::uniform_real_distribution<double> d(-1, 1);
-    DoubleGenMat a(m, n);
-    for (unsigned j = 0; j < n; ++j)
-        for (unsigned i = 0; i < m; ++i)
-            a(i, j) = d(rng);
-    return a;
-}
-
-double maxAbs(const DoubleVec& v) {
-    double m = 0;
-    for (unsigned i = 0; i < v.length(); ++i)
-        m = std::max(m, std::fabs(v(i)));
-    return m;
-}
-
-} // namespace
+using obrix::test::maxAbs;
+using obrix::test::randomMatrix;
 
 TEST(DoubleQRDecomp, LeastSquaresSolutionSatisfiesTheNormalEquations) {
     std::mt19937 rng(81);
     for (int pivot : {0, 1}) {
-        DoubleGenMat a = randomMat(rng, 9, 4);
+        DoubleGenMat a = randomMatrix(rng, 9, 4);
         DoubleVec y(9, 0.5, 0.3);
         DoubleQRDecomp qr;
         qr.doPivoting(pivot);
@@ -53,7 +36,7 @@ TEST(DoubleQRDecomp, LeastSquaresSolutionSatisfiesTheNormalEquations) {
 
 TEST(DoubleLeastSqQR, ZeroAndDependentColumnsAreFreeAndGetZeroCoefficients) {
     std::mt19937 rng(82);
-    DoubleGenMat a = randomMat(rng, 6, 3);
+    DoubleGenMat a = randomMatrix(rng, 6, 3);
     for (int i = 0; i < 6; ++i)
         a(i, 1) = 0.0;
     DoubleLeastSqQR ls(a);
@@ -66,7 +49,7 @@ TEST(DoubleLeastSqQR, ZeroAndDependentColumnsAreFreeAndGetZeroCoefficients) {
     EXPECT_EQ(x(1), 0.0);
     EXPECT_LT(maxAbs(product(ls.residual(y), a)), 1e-13);
     // A column that is nearly a multiple of another is free only under a tolerance.
-    DoubleGenMat b = randomMat(rng, 6, 3);
+    DoubleGenMat b = randomMatrix(rng, 6, 3);
     for (int i = 0; i < 6; ++i)
         b(i, 2) = 2.0 * b(i, 0) + 1e-12 * i;
     DoubleLeastSqQR near(b);
@@ -77,7 +60,7 @@ TEST(DoubleLeastSqQR, ZeroAndDependentColumnsAreFreeAndGetZeroCoefficients) {
     near.factor(b);
     EXPECT_EQ(near.tolerance(), 0.0);
     // Wider than tall: the surplus columns are free before any tolerance.
-    DoubleLeastSqQR wide(randomMat(rng, 2, 3));
+    DoubleLeastSqQR wide(randomMatrix(rng, 2, 3));
     EXPECT_EQ(wide.numFreeCols(), 1);
     EXPECT_EQ(wide.isUnderDetermined(), 1);
     DoubleVec yw(2, 1.0);
@@ -86,7 +69,7 @@ TEST(DoubleLeastSqQR, ZeroAndDependentColumnsAreFreeAndGetZeroCoefficients) {
 
 TEST(DoubleQRDecomp, ChecksReportTheirMessages) {
     std::mt19937 rng(83);
-    DoubleLeastSqQR qr(randomMat(rng, 3, 2));
+    DoubleLeastSqQR qr(randomMatrix(rng, 3, 2));
     MathErrorCapture capture;
     EXPECT_EQ(qr.solve(DoubleVec(4, 1.0)).length(), 0u);
     qr.unpermute(DoubleVec(3, 1.0));
@@ -104,7 +87,7 @@ TEST(DoubleQRDecomp, ChecksReportTheirMessages) {
 
 TEST(DoubleQRDecomp, RefactoringACopyWithoutPivotingLeavesTheOriginalsPivots) {
     std::mt19937 rng(84);
-    DoubleGenMat a = randomMat(rng, 5, 3);
+    DoubleGenMat a = randomMatrix(rng, 5, 3);
     for (int i = 0; i < 5; ++i)
         a(i, 0) = 0.0;
     DoubleQRDecomp qr(a);

@@ -8,26 +8,25 @@
 #include "ObrixBase/math/DoubleGenFact.h"
 #include "ObrixBase/math/DoubleSymFact.h"
 #include "tests/support/MathErrorCapture.h"
+#include "tests/support/NumericTestData.h"
 #include "tests/support/ReportCapture.h"
 
 using obrix::test::MathErrorCapture;
+using obrix::test::maxAbs;
+using obrix::test::randomMatrix;
 
 namespace {
 
+// A random matrix with 2 added on the diagonal: comfortably non-singular.
 DoubleGenMat randomGen(std::mt19937& rng, unsigned n) {
-    std::uniform_real_distribution<double> d(-1, 1);
-    DoubleGenMat a(n, n);
-    for (unsigned j = 0; j < n; ++j)
-        for (unsigned i = 0; i < n; ++i)
-            a(i, j) = d(rng) + (i == j ? 2.0 : 0.0);
+    DoubleGenMat a = randomMatrix(rng, n, n);
+    for (int i = 0; i < static_cast<int>(n); ++i)
+        a(i, i) += 2.0;
     return a;
 }
 
 double maxDiff(const DoubleVec& a, const DoubleVec& b) {
-    double m = 0;
-    for (unsigned i = 0; i < a.length(); ++i)
-        m = std::max(m, std::fabs(a(i) - b(i)));
-    return m;
+    return maxAbs(a - b);
 }
 
 } // namespace

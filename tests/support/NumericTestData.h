@@ -1,0 +1,42 @@
+// Inputs and readings shared by the numeric class tests: random matrices drawn in a fixed
+// order (so a seed always gives the same matrix), the elements of a vector as a std::vector
+// for whole comparisons, the largest magnitude for residual checks, and streamed text.
+#ifndef OBRIX_TESTS_SUPPORT_NUMERICTESTDATA_H
+#define OBRIX_TESTS_SUPPORT_NUMERICTESTDATA_H
+
+#include <random>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "ObrixBase/math/DoubleGenMat.h"
+#include "ObrixBase/math/DoubleVec.h"
+
+namespace obrix::test {
+
+/// rows x cols elements uniform in [-1, 1), drawn column by column.
+DoubleGenMat randomMatrix(std::mt19937& rng, unsigned rows, unsigned cols);
+
+/// The largest |v[i]|; 0 for an empty vector.
+double maxAbs(const DoubleVec& v);
+
+/// The elements in index order.
+template <class T>
+std::vector<T> elements(const NumVec<T>& v) {
+    std::vector<T> out;
+    for (unsigned i = 0; i < v.length(); ++i)
+        out.push_back(v(static_cast<int>(i)));
+    return out;
+}
+
+/// What operator<< writes for `value`.
+template <class V>
+std::string printed(const V& value) {
+    std::ostringstream out;
+    out << value;
+    return out.str();
+}
+
+} // namespace obrix::test
+
+#endif
