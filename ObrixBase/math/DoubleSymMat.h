@@ -178,74 +178,80 @@ namespace obrix {
 /// The packed matrix classes, for the shared element-wise operators.
 template <class M>
 concept PackedMatrix = std::is_base_of_v<DoublePackedMat, M> && !std::is_same_v<M, DoublePackedMat>;
+
+/// Enables the operators below for the packed classes only. It is checked as a template
+/// parameter, before the operator's signature is formed: some compilers otherwise form
+/// `bool operator-(double, const bool&)` while resolving `-` on built-in types, and reject it.
+template <class M>
+using IfPackedMatrix = std::enable_if_t<PackedMatrix<M>, int>;
 } // namespace obrix
 
 /// Element-wise arithmetic of packed matrices of one class: it acts on the packed vectors, so
 /// * and / are element-wise, not matrix products. Order mismatches raise 0x4004.
-template <obrix::PackedMatrix M>
+template <class M, obrix::IfPackedMatrix<M> = 0>
 M operator+(const M& a, const M& b) {
     a.shapeCheck(b);
     return M(a.dataVec() + b.dataVec(), a.order(), a.order());
 }
-template <obrix::PackedMatrix M>
+template <class M, obrix::IfPackedMatrix<M> = 0>
 M operator-(const M& a, const M& b) {
     a.shapeCheck(b);
     return M(a.dataVec() - b.dataVec(), a.order(), a.order());
 }
-template <obrix::PackedMatrix M>
+template <class M, obrix::IfPackedMatrix<M> = 0>
 M operator*(const M& a, const M& b) {
     a.shapeCheck(b);
     return M(a.dataVec() * b.dataVec(), a.order(), a.order());
 }
-template <obrix::PackedMatrix M>
+template <class M, obrix::IfPackedMatrix<M> = 0>
 M operator/(const M& a, const M& b) {
     a.shapeCheck(b);
     return M(a.dataVec() / b.dataVec(), a.order(), a.order());
 }
-template <obrix::PackedMatrix M>
+template <class M, obrix::IfPackedMatrix<M> = 0>
 M operator-(const M& a) {
     return M(-a.dataVec(), a.order(), a.order());
 }
-template <obrix::PackedMatrix M>
+template <class M, obrix::IfPackedMatrix<M> = 0>
 M operator+(const M& a, double s) {
     return M(a.dataVec() + s, a.order(), a.order());
 }
-template <obrix::PackedMatrix M>
+template <class M, obrix::IfPackedMatrix<M> = 0>
 M operator-(const M& a, double s) {
     return M(a.dataVec() - s, a.order(), a.order());
 }
-template <obrix::PackedMatrix M>
+template <class M, obrix::IfPackedMatrix<M> = 0>
 M operator*(const M& a, double s) {
     return M(a.dataVec() * s, a.order(), a.order());
 }
-template <obrix::PackedMatrix M>
+template <class M, obrix::IfPackedMatrix<M> = 0>
 M operator*(double s, const M& a) {
     return M(s * a.dataVec(), a.order(), a.order());
 }
-template <obrix::PackedMatrix M>
+template <class M, obrix::IfPackedMatrix<M> = 0>
 M operator/(const M& a, double s) {
     return M(a.dataVec() / s, a.order(), a.order());
 }
 /// The scalar on the left: s + A, s - A and s / A element by element over the stored elements.
-template <obrix::PackedMatrix M>
+template <class M, obrix::IfPackedMatrix<M> = 0>
 M operator+(double s, const M& a) {
     return M(s + a.dataVec(), a.order(), a.order());
 }
-template <obrix::PackedMatrix M>
+template <class M, obrix::IfPackedMatrix<M> = 0>
 M operator-(double s, const M& a) {
     return M(s - a.dataVec(), a.order(), a.order());
 }
-template <obrix::PackedMatrix M>
+template <class M, obrix::IfPackedMatrix<M> = 0>
 M operator/(double s, const M& a) {
     return M(s / a.dataVec(), a.order(), a.order());
 }
-template <obrix::PackedMatrix M>
+template <class M, obrix::IfPackedMatrix<M> = 0>
 M& operator+=(M& a, const M& b) {
     a.shapeCheck(b);
     a.dataVec() += b.dataVec();
     return a;
 }
-template <obrix::PackedMatrix M>
+template <class M, obrix::IfPackedMatrix<M> = 0>
 M& operator-=(M& a, const M& b) {
     a.shapeCheck(b);
     a.dataVec() -= b.dataVec();
@@ -253,56 +259,56 @@ M& operator-=(M& a, const M& b) {
 }
 /// In-place element-wise product and quotient of the stored elements (0x4004 on order), not
 /// matrix products.
-template <obrix::PackedMatrix M>
+template <class M, obrix::IfPackedMatrix<M> = 0>
 M& operator*=(M& a, const M& b) {
     a.shapeCheck(b);
     a.dataVec() *= b.dataVec();
     return a;
 }
-template <obrix::PackedMatrix M>
+template <class M, obrix::IfPackedMatrix<M> = 0>
 M& operator/=(M& a, const M& b) {
     a.shapeCheck(b);
     a.dataVec() /= b.dataVec();
     return a;
 }
 /// In-place scalar arithmetic on every stored element; the empty triangle stays zero.
-template <obrix::PackedMatrix M>
+template <class M, obrix::IfPackedMatrix<M> = 0>
 M& operator+=(M& a, double s) {
     a.dataVec() += s;
     return a;
 }
-template <obrix::PackedMatrix M>
+template <class M, obrix::IfPackedMatrix<M> = 0>
 M& operator-=(M& a, double s) {
     a.dataVec() -= s;
     return a;
 }
-template <obrix::PackedMatrix M>
+template <class M, obrix::IfPackedMatrix<M> = 0>
 M& operator*=(M& a, double s) {
     a.dataVec() *= s;
     return a;
 }
-template <obrix::PackedMatrix M>
+template <class M, obrix::IfPackedMatrix<M> = 0>
 M& operator/=(M& a, double s) {
     a.dataVec() /= s;
     return a;
 }
-template <obrix::PackedMatrix M>
+template <class M, obrix::IfPackedMatrix<M> = 0>
 M& operator++(M& a) {
     ++a.dataVec();
     return a;
 }
-template <obrix::PackedMatrix M>
+template <class M, obrix::IfPackedMatrix<M> = 0>
 M& operator--(M& a) {
     --a.dataVec();
     return a;
 }
 /// Absolute value of every stored element.
-template <obrix::PackedMatrix M>
+template <class M, obrix::IfPackedMatrix<M> = 0>
 M abs(const M& a) {
     return M(abs(a.dataVec()), a.order(), a.order());
 }
 /// Writes the full n x n matrix in the DoubleGenMat text format.
-template <obrix::PackedMatrix M>
+template <class M, obrix::IfPackedMatrix<M> = 0>
 std::ostream& operator<<(std::ostream& out, const M& m) {
     DoubleGenMat(m).printOn(out);
     return out;
