@@ -14,6 +14,7 @@
 #include <Eigen/QR>
 #include <Eigen/SVD>
 
+#include "ObrixBase/math/DoubleChDecomp.h"
 #include "ObrixBase/math/kernels/kernels.h"
 
 extern "C" {
@@ -120,6 +121,43 @@ void Chol_ours(benchmark::State& st) {
         k::dchdc(a.data(), n, n, work.data(), piv.data(), Job, &info);
         k::dposl(a.data(), n, n, b.data());
         benchmark::DoNotOptimize(b.data());
+    }
+}
+// The solve alone with a pivoted factor, and the class's whole path (private copy, pivoted
+// factor, permute, solve, unpermute) as callers use it.
+void Chol_solve_ours(benchmark::State& st) {
+    int n = int(st.range(0)), info;
+    auto a = spdMatrix(n), b0 = randomMatrix(n, 1, 2);
+    std::vector<double> b(n), work(n);
+    std::vector<int> piv(n, 0);
+    k::dchdc(a.data(), n, n, work.data(), piv.data(), 1, &info);
+    for (auto _ : st) {
+        std::copy(b0.begin(), b0.end(), b.begin());
+        k::dposl(a.data(), n, n, b.data());
+        benchmark::DoNotOptimize(b.data());
+    }
+}
+void Chol_solve_lapack(benchmark::State& st) {
+    int n = int(st.range(0)), one = 1, info;
+    auto a = spdMatrix(n), b0 = randomMatrix(n, 1, 2);
+    std::vector<double> b(n);
+    dpotrf_("U", &n, a.data(), &n, &info);
+    for (auto _ : st) {
+        std::copy(b0.begin(), b0.end(), b.begin());
+        dpotrs_("U", &n, &one, a.data(), &n, b.data(), &n, &info);
+        benchmark::DoNotOptimize(b.data());
+    }
+}
+void Chol_class(benchmark::State& st) {
+    int n = int(st.range(0));
+    auto a0 = spdMatrix(n), b0 = randomMatrix(n, 1, 2);
+    DoubleGenMat a(a0.data(), unsigned(n), unsigned(n));
+    DoubleVec b(b0.data(), unsigned(n));
+    DoubleChDecomp ch;
+    for (auto _ : st) {
+        ch.factor(a);
+        DoubleVec x = ch.solve(b);
+        benchmark::DoNotOptimize(x.data());
     }
 }
 void Chol_lapack(benchmark::State& st) {
@@ -263,6 +301,9 @@ BENCHMARK(Chol_ours<1>)->Name("Chol_ours_pivoted")->Apply(sizes);
 BENCHMARK(Chol_ours<0>)->Name("Chol_ours")->Apply(sizes);
 BENCHMARK(Chol_lapack)->Apply(sizes);
 BENCHMARK(Chol_eigen)->Apply(sizes);
+BENCHMARK(Chol_class)->Apply(sizes);
+BENCHMARK(Chol_solve_ours)->Apply(sizes);
+BENCHMARK(Chol_solve_lapack)->Apply(sizes);
 BENCHMARK(QR_ours)->Apply(sizes);
 BENCHMARK(QR_lapack)->Apply(sizes);
 BENCHMARK(QR_eigen)->Apply(sizes);

@@ -175,8 +175,26 @@ DoubleVec DoubleChDecomp::partialSolve(const DoubleVec& b, int kk) const {
 }
 
 DoubleVec DoubleChDecomp::solve(const DoubleVec& b) const {
-    // A b of the wrong length is first met, and reported, by permute.
-    return unpermute(partialSolve(permute(b), static_cast<int>(order())));
+    const unsigned n = order();
+    if (b.length() != n || pivots_.length() != n || lastPosFactor_ < static_cast<int>(n)) {
+        // A b of the wrong length is first met, and reported, by permute; the steps' own
+        // checks report the rest in their order.
+        return unpermute(partialSolve(permute(b), static_cast<int>(n)));
+    }
+    // The same three steps through one scratch vector, from the stack at the small orders
+    // solved most often, so the result is the only allocation.
+    constexpr unsigned kStackOrder = 64;
+    double stackWork[kStackOrder];
+    std::vector<double> heapWork(n > kStackOrder ? n : 0);
+    double* y = n > kStackOrder ? heapWork.data() : stackWork;
+    for (unsigned i = 0; i < n; ++i)
+        y[i] = b(pivots_(static_cast<int>(i)));
+    if (n > 0)
+        k::dposl(factor_.data(), leading(factor_), static_cast<int>(n), y);
+    DoubleVec x(n);
+    for (unsigned i = 0; i < n; ++i)
+        x(pivots_(static_cast<int>(i))) = y[i];
+    return x;
 }
 
 bool DoubleChDecomp::checkRotationData(DoubleGenMat* z, DoubleVec* c, DoubleVec* s,
