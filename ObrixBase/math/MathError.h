@@ -123,7 +123,8 @@ OBRIX_API void mathErrorVRaise(MathError error, va_list args);
 OBRIX_API MathErrorHandler setMathErrorHandler(MathErrorHandler handler);
 
 /// The initial handler. Ignores code 0; reports "** ", the entry's message and ".\n" through
-/// rptError/rptVError; then "** Processing continues.\n" and returns, or "** Processing
+/// rptError/rptVError, as three separate reports (the default sink ends the first two with
+/// a newline of its own); then "** Processing continues.\n" and returns, or "** Processing
 /// terminated.\n" and aborts, by severity. An unregistered catalogue reports "Error number
 /// 0x%hx." and aborts.
 OBRIX_API void defaultMathErrorHandler(const MathError& error, va_list args);

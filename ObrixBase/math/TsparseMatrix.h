@@ -51,7 +51,8 @@ public:
     int setElement(int i, int j, double x);
 
     /// Appends the entries of `column` with |x| > 1e-9. Returns 1 when a column was added; 0
-    /// for an all-zero column or when it does not fit and `grow` is 0.
+    /// for an all-zero column or when it does not fit and `grow` is 0. As with the other
+    /// form, the row count is not changed: set rows() for the new entries to be read.
     int addCol(const DoubleVec& column, int grow);
     /// Appends a column of the given rows and values. Returns 0 and changes nothing when
     /// there are no entries, the lengths differ, or it does not fit and `grow` is 0; with

@@ -1,7 +1,8 @@
-// Snapshot-based undo. A StatefulUndoCmd is embedded in (or derived by) an editable object:
-// it takes a snapshot of the object's state before and after each change and records both
-// into the current undo group, so that undo puts the object back into the before-state and
-// redo into the after-state. The subclass says how to take and apply a snapshot:
+// Snapshot-based undo. A small class derived from StatefulUndoCmd (the base is abstract, with
+// a protected destructor) is kept in or beside an editable object: it takes a snapshot of the
+// object's state before and after each change and records both into the current undo group,
+// so that undo puts the object back into the before-state and redo into the after-state. The
+// subclass says how to take and apply a snapshot:
 //
 //     class CurveEdit : public qvObrixBase::StatefulUndoCmd {
 //         qv::Reference<qvObrixBase::StatefulUndoState> getState() override;  // copy out

@@ -65,7 +65,8 @@ typedef struct DS_Structure {
     |------|---------------|-----------------------------------------------------------------|
     | 0    | walk          | members visited; -1 for a null structure or walker (status 1)   |
     | 1    | enumerate     | members that pass the filter; -1 for a null structure           |
-    | 2    | add           | 1 on success; 0 with status 1, 3 or 16                          |
+    | 2    | add           | 1 on success (status 14 without comparator: appended); 0 with   |
+    |      |               | status 1, 3 or 16                                               |
     | 3    | remove        | the next visible node after the removed one; null and status 12 |
     | 4    | sort          | 1 on success; 0 with status 14 (no comparator) or 3             |
     | 5    | merge         | new storage holding both structures' visible members            |
