@@ -5,7 +5,8 @@
 #include <cstring>
 #include <mutex>
 #include <set>
-#include <string>
+
+#include "Base/qvString/CString.h"
 
 namespace {
 
@@ -27,18 +28,7 @@ std::set<int>& debugCodes() {
 }
 
 void vreport(int level, const char* format, va_list args) {
-    if (!format)
-        format = "";
-    va_list copy;
-    va_copy(copy, args);
-    int n = std::vsnprintf(nullptr, 0, format, copy);
-    va_end(copy);
-    std::string text;
-    if (n > 0) {
-        text.resize(static_cast<size_t>(n));
-        std::vsnprintf(text.data(), text.size() + 1, format, args);
-    }
-    currentSink.load()(level, text.c_str());
+    currentSink.load()(level, qvString::CString::vformat(format, args).c_str());
 }
 
 } // namespace
