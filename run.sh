@@ -5,4 +5,4 @@ cd "$(dirname "$0")"
 scripts/deps.sh build
 cmake --preset release >/dev/null
 cmake --build --preset release --target tour
-./build/release/examples/tour/tour
+./build/release/bin/tour
