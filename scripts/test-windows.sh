@@ -18,12 +18,13 @@ excluded=(
 scripts/deps.sh windows
 
 # GoogleTest built from Debian's sources with the same toolchain, into a private prefix that
-# the windows preset searches. It is kept between runs and rebuilt when the package changes.
+# the windows preset searches. It is kept between runs and rebuilt when the package or the
+# toolchain file changes.
 prefix=$root/build/mingw-w64
 toolchain=$root/cmake/toolchains/mingw-w64.cmake
-gtest_version=$(dpkg-query -W -f='${Version}' googletest)
+gtest_version="$(dpkg-query -W -f='${Version}' googletest) $(sha256sum <"$toolchain" | cut -c1-16)"
 if [ "$(cat "$prefix/googletest.version" 2>/dev/null)" != "$gtest_version" ]; then
-  echo "Building GoogleTest $gtest_version for Windows into $prefix"
+  echo "Building GoogleTest for Windows into $prefix"
   gtest_build=$root/build/mingw-w64-googletest-build
   rm -rf "$prefix" "$gtest_build"
   cmake -S /usr/src/googletest -B "$gtest_build" -G Ninja -DCMAKE_BUILD_TYPE=Release \
