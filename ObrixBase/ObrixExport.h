@@ -13,6 +13,15 @@
 #define OBRIX_API __attribute__((visibility("default")))
 #endif
 
+/* Marks the library's explicit instantiations of member templates. A DLL exports the members
+   of a class that carries OBRIX_API, but not the member templates instantiated for it, so each
+   such instantiation exports itself; on ELF it takes the class's visibility. */
+#if defined(_WIN32) && defined(OBRIX_BUILDING)
+#define OBRIX_MEMBER_TEMPLATE_API __declspec(dllexport)
+#else
+#define OBRIX_MEMBER_TEMPLATE_API
+#endif
+
 /* Opens and closes C linkage in the C-interface headers. */
 #ifdef __cplusplus
 #define OBRIX_EXTERN_C_BEGIN extern "C" {

@@ -7,6 +7,9 @@ install(TARGETS Base ObrixBase EXPORT ObrixBaseTargets
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
         RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
         INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+if(MINGW)
+  install(FILES ${OBRIX_MINGW_RUNTIME_DLLS} DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()
 
 # Public headers keep their repository paths; *_internal.h stay private.
 foreach(tree Base ObrixBase)

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian 12 packages that a task needs, and nothing when they are all there.
-# Usage: scripts/deps.sh build|test|bench|fuzz ...
+# Usage: scripts/deps.sh build|test|bench|fuzz|windows ...
 set -euo pipefail
 
 packages_for() {
@@ -9,6 +9,10 @@ packages_for() {
     test)  echo "libgtest-dev libgmock-dev liblapack-dev" ;;
     bench) echo "libbenchmark-dev libeigen3-dev liblapack-dev libopenblas-dev" ;;
     fuzz)  echo "clang libclang-rt-14-dev" ;;
+    # The Windows leg: the mingw-w64 cross compiler with the posix thread model, Wine to run
+    # its programs (wine64 alone puts no `wine` on PATH), and GoogleTest's sources to build
+    # for Windows.
+    windows) echo "g++-mingw-w64-x86-64-posix binutils-mingw-w64 wine wine64 googletest" ;;
     *) echo "scripts/deps.sh: unknown group '$1'" >&2; exit 2 ;;
   esac
 }
@@ -26,9 +30,15 @@ for p in "${wanted[@]}"; do
 done
 [ ${#missing[@]} -eq 0 ] && exit 0
 
-echo "Installing: ${missing[*]}"
 sudo=""
-[ "$(id -u)" -ne 0 ] && sudo="sudo"
+if [ "$(id -u)" -ne 0 ]; then
+  if ! command -v sudo >/dev/null 2>&1; then
+    echo "scripts/deps.sh: cannot install ${missing[*]}: run as root or install sudo" >&2
+    exit 1
+  fi
+  sudo="sudo"
+fi
+echo "Installing: ${missing[*]}"
 export DEBIAN_FRONTEND=noninteractive
 $sudo apt-get update -qq
 $sudo apt-get install -y -qq --no-install-recommends "${missing[@]}"

@@ -594,7 +594,7 @@ std::istream& operator>>(std::istream& in, NumGenMat<T>& m) {
 OBRIX_INSTANTIATE_MATRIX(double)
 OBRIX_INSTANTIATE_MATRIX(int)
 
-template DoubleGenMat::NumGenMat(const IntGenMat&);
-template DoubleGenMat::NumGenMat(const DoubleSymMat&);
-template DoubleGenMat::NumGenMat(const DoubleLowerTriMat&);
-template DoubleGenMat::NumGenMat(const DoubleUpperTriMat&);
+template OBRIX_MEMBER_TEMPLATE_API DoubleGenMat::NumGenMat(const IntGenMat&);
+template OBRIX_MEMBER_TEMPLATE_API DoubleGenMat::NumGenMat(const DoubleSymMat&);
+template OBRIX_MEMBER_TEMPLATE_API DoubleGenMat::NumGenMat(const DoubleLowerTriMat&);
+template OBRIX_MEMBER_TEMPLATE_API DoubleGenMat::NumGenMat(const DoubleUpperTriMat&);

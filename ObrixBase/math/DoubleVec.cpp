@@ -649,11 +649,13 @@ OBRIX_INSTANTIATE_VECTOR(double)
 OBRIX_INSTANTIATE_VECTOR(int)
 OBRIX_INSTANTIATE_VECTOR(signed char)
 
-template void NumVec<double>::clampZero<double>(double);
-template int NumVec<double>::isEqual<double>(double, double) const;
-template int NumVec<double>::countValue<double>(double, double) const;
-template NumVec<int> NumVec<double>::valueIndex<double>(double, double) const;
-template NumVec<int> NumVec<double>::nonValueIndex<double>(double, double) const;
-template NumVec<int> NumVec<double>::lessIndex<double>(double) const;
-template double NumVec<double>::vecLen<double>() const;
-template int NumVec<double>::normalise<double>();
+template OBRIX_MEMBER_TEMPLATE_API void NumVec<double>::clampZero<double>(double);
+template OBRIX_MEMBER_TEMPLATE_API int NumVec<double>::isEqual<double>(double, double) const;
+template OBRIX_MEMBER_TEMPLATE_API int NumVec<double>::countValue<double>(double, double) const;
+template OBRIX_MEMBER_TEMPLATE_API NumVec<int> NumVec<double>::valueIndex<double>(double,
+                                                                                  double) const;
+template OBRIX_MEMBER_TEMPLATE_API NumVec<int> NumVec<double>::nonValueIndex<double>(double,
+                                                                                     double) const;
+template OBRIX_MEMBER_TEMPLATE_API NumVec<int> NumVec<double>::lessIndex<double>(double) const;
+template OBRIX_MEMBER_TEMPLATE_API double NumVec<double>::vecLen<double>() const;
+template OBRIX_MEMBER_TEMPLATE_API int NumVec<double>::normalise<double>();

@@ -66,7 +66,11 @@ private:
     double rcond_;
 };
 
+// Both are instantiated once, in the library. GCC exports no inline members from a DLL, though,
+// so on Windows a user instantiates those itself and takes only the out-of-line ones from it.
+#if !defined(_WIN32) || defined(OBRIX_BUILDING)
 extern template class LinearFact<DoubleGenMat>;
 extern template class LinearFact<DoubleSymMat>;
+#endif
 
 #endif
