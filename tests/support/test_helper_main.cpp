@@ -9,10 +9,16 @@
 #include <cstdlib>
 #include <cstring>
 #include <thread>
+#include <vector>
 
 #include "Base/qvOS/MemoryMappedFile.h"
 
-int main(int argc, char** argv) {
+#ifdef _WIN32
+#include <fcntl.h>
+#include <io.h> // _setmode: the C runtime would turn "\n" into "\r\n" and back otherwise
+#endif
+
+static int run(int argc, char** argv) {
     if (argc < 2 || std::strcmp(argv[1], "--help") == 0) {
         std::fprintf(argc < 2 ? stderr : stdout,
                      "usage: obrix_test_helper echo ARGS... | exit N | cat | sleep SECONDS | "
@@ -51,3 +57,22 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "obrix_test_helper: unknown mode or wrong arguments: %s\n", mode);
     return 2;
 }
+
+#ifdef _WIN32
+// The wide entry point: the C runtime splits the command line by the same rules as for main,
+// but without squeezing the arguments through the ANSI code page, so UTF-8 survives.
+int wmain(int argc, wchar_t** wargv) {
+    _setmode(_fileno(stdin), _O_BINARY);
+    _setmode(_fileno(stdout), _O_BINARY);
+    std::vector<qvString::CString> utf8;
+    for (int i = 0; i < argc; ++i)
+        utf8.push_back(qvString::IString(wargv[i]).toUtf8());
+    std::vector<char*> argv;
+    for (auto& a : utf8)
+        argv.push_back(a.data());
+    argv.push_back(nullptr);
+    return run(argc, argv.data());
+}
+#else
+int main(int argc, char** argv) { return run(argc, argv); }
+#endif

@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include "Base/qvOS/DirectorySearch.h"
 #include "tests/support/TempDir.h"
 
 #ifndef _WIN32
@@ -17,13 +16,18 @@ using qvOS::OSError;
 
 namespace {
 
+// Read through std::filesystem's wide calls: DirectorySearch's 8-bit calls on Windows cannot
+// spell every name these tests use.
 std::set<std::string> namesIn(const qvString::CString& dir) {
     std::set<std::string> names;
-    qvOS::DirectorySearch search;
-    if (search.open(dir).isOk())
-        for (qvString::CString n; search.next(n);)
-            if (n != "." && n != "..")
-                names.insert(n);
+    std::error_code ec;
+    for (const auto& entry : std::filesystem::directory_iterator(TempDir::fsPath(dir), ec)) {
+#ifdef _WIN32
+        names.insert(qvString::IString(entry.path().filename().wstring()).toUtf8());
+#else
+        names.insert(entry.path().filename().string());
+#endif
+    }
     return names;
 }
 
