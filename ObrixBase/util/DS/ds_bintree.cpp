@@ -174,7 +174,7 @@ struct BintreePolicy {
             return nullptr;
         TreeNode* prev = nullptr;
         for (TreeNode* n = root(s); n;) {
-            if (comparator(itemSlot, asSlot(n)) == 1) {
+            if (obrix::ds::callCompare(comparator, itemSlot, asSlot(n)) == 1) {
                 prev = n;
                 n = n->right;
             } else {

@@ -123,10 +123,24 @@ long callFree(DS_Free_fn callback, void** slot, void* user) {
     return callback(slot, user);
 }
 
+int callCompare(DS_Compare_fn comparator, void* a, void* b) {
+    if (comparator == DS_DEFAULT_COMPARATOR)
+        return Ds_default_comparator(static_cast<void**>(a), static_cast<void**>(b));
+    if (comparator == DS_STRING_COMPARATOR)
+        return Ds_string_comparator(static_cast<char**>(a), static_cast<char**>(b));
+    return comparator(a, b);
+}
+
+int callMatch(DS_Match_fn match, void* item, void* key) {
+    if (match == DS_STRING_FIND)
+        return Ds_string_find(static_cast<char*>(item), static_cast<char*>(key));
+    return match(item, key);
+}
+
 namespace {
 DS_Compare_fn sortComparator = nullptr;
 int sortAdapter(const void* a, const void* b) {
-    return sortComparator(const_cast<void*>(a), const_cast<void*>(b));
+    return callCompare(sortComparator, const_cast<void*>(a), const_cast<void*>(b));
 }
 } // namespace
 
@@ -169,7 +183,7 @@ long Ds_register_structure(int kind, DS_Jump_table_s* table, int* status) {
         }
         record->ordered = 1;
         record->storage = nullptr;
-        record->comparator = &Ds_default_comparator;
+        record->comparator = DS_DEFAULT_COMPARATOR;
         record->filter = nullptr;
         record->methods = table;
         if (table->allocate)
@@ -237,7 +251,7 @@ long DS_memory_free(void** p) {
 }
 
 int DS_comparator(DS_Structure* s, void* a, void* b) {
-    return s && s->comparator ? s->comparator(a, b) : 0;
+    return s && s->comparator ? obrix::ds::callCompare(s->comparator, a, b) : 0;
 }
 
 bool DS_filter(DS_Structure* s, void* item) {
@@ -425,11 +439,11 @@ void DS_print(DS_Structure*, DS_Print_fn, void*, int* status) {
     VK_SET_STATUS(status, VK_NO_ERROR);
 }
 
-int Ds_default_comparator(void* a, void* b) {
+int Ds_default_comparator(void** a, void** b) {
     if (!a || !b)
         return 0;
-    return compareUnsigned(reinterpret_cast<std::uintptr_t>(*static_cast<void**>(a)),
-                           reinterpret_cast<std::uintptr_t>(*static_cast<void**>(b)));
+    return compareUnsigned(reinterpret_cast<std::uintptr_t>(*a),
+                           reinterpret_cast<std::uintptr_t>(*b));
 }
 
 int Ds_fifo_comparator(void*, void*) {
@@ -440,11 +454,11 @@ int Ds_filo_comparator(void*, void*) {
     return -1;
 }
 
-int Ds_string_comparator(void* a, void* b) {
+int Ds_string_comparator(char** a, char** b) {
     if (!a || !b)
         return 0;
-    const char* x = *static_cast<char**>(a);
-    const char* y = *static_cast<char**>(b);
+    const char* x = *a;
+    const char* y = *b;
     if (!x || !y)
         return 0;
     // strcmp compares as unsigned char, which is the order wanted here.
@@ -452,10 +466,10 @@ int Ds_string_comparator(void* a, void* b) {
     return c == 0 ? 0 : (c > 0 ? 1 : -1);
 }
 
-int Ds_string_find(void* a, void* b) {
+int Ds_string_find(char* a, char* b) {
     if (!a || !b)
         return 0;
-    return std::strcmp(static_cast<const char*>(a), static_cast<const char*>(b)) == 0 ? 1 : 0;
+    return std::strcmp(a, b) == 0 ? 1 : 0;
 }
 
 } // extern "C"

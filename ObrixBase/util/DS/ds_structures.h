@@ -118,7 +118,10 @@ typedef struct DS_Jump_table_s {
     table stays). The library registers kinds 2, 1, 3 and 4 itself when it loads. */
 OBRIX_API long Ds_register_structure(int kind, DS_Jump_table_s* table, int* status);
 
-/** The registration table of kinds (identifier to DS_Jump_table_s), owned by the framework. */
+/** The registration table of kinds (identifier to DS_Jump_table_s), owned by the framework.
+    Its `ordered` flag is 0 after start-up: the library registers its kinds without a status
+    pointer, and an add that cannot report its status never claims to have kept the order.
+    Lookups by identifier walk the table and do not depend on the flag. */
 OBRIX_API DS_Structure* Ds_get_object_table(void);
 
 /** A new, empty structure of `kind` with comparator Ds_fifo_comparator, no filter and
@@ -212,19 +215,31 @@ OBRIX_API void DS_print(DS_Structure* s, DS_Print_fn print, void* user, int* sta
 
 /* ---- ready-made callbacks ---- */
 
-/** Compares the items held in two member slots (`void **`) as unsigned addresses: -1, 0, 1;
-    0 when either slot address is null. */
-OBRIX_API int Ds_default_comparator(void* a, void* b);
+/** Compares the items held in two member slots as unsigned addresses: -1, 0, 1; 0 when
+    either slot address is null. It takes the slots as what they are (`void **`), so store it
+    in a DS_Compare_fn through DS_DEFAULT_COMPARATOR; the framework recognises it there and
+    calls it with its own type. */
+OBRIX_API int Ds_default_comparator(void** a, void** b);
 /** Always 1: each new member goes after every existing one (insertion order). */
 OBRIX_API int Ds_fifo_comparator(void* a, void* b);
 /** Always -1: each new member goes in front (newest first). */
 OBRIX_API int Ds_filo_comparator(void* a, void* b);
-/** Compares the strings held in two member slots (`char **`) byte by byte as unsigned
-    characters: -1, 0 or 1; 0 when either slot address is null. */
-OBRIX_API int Ds_string_comparator(void* a, void* b);
-/** Match callback for strings: 1 when `a` and `b` (`char *`) are equal strings, else 0 (also
-    when either is null). */
-OBRIX_API int Ds_string_find(void* a, void* b);
+/** Compares the strings held in two member slots byte by byte as unsigned characters: -1, 0
+    or 1; 0 when either slot address or either string is null. Store it in a DS_Compare_fn
+    through DS_STRING_COMPARATOR. */
+OBRIX_API int Ds_string_comparator(char** a, char** b);
+/** Match callback for strings: 1 when `a` and `b` are equal strings, else 0 (also when either
+    is null). Pass it where a DS_Match_fn is wanted through DS_STRING_FIND. */
+OBRIX_API int Ds_string_find(char* a, char* b);
+
+/** The ready-made callbacks above as the framework's callback types. The framework recognises
+    these values wherever it calls a comparator or a match callback and calls the functions
+    with their own argument types; other code that calls them through the callback types
+    relies on `void *`, `void **` and `char *` being passed alike, as every supported
+    platform does. */
+#define DS_DEFAULT_COMPARATOR ((DS_Compare_fn)(void (*)(void))Ds_default_comparator)
+#define DS_STRING_COMPARATOR ((DS_Compare_fn)(void (*)(void))Ds_string_comparator)
+#define DS_STRING_FIND ((DS_Match_fn)(void (*)(void))Ds_string_find)
 
 /* ---- the four kinds ----
    Each kind exports its table and its twenty operations as Ds_<kind>_<operation>, with the

@@ -1,6 +1,7 @@
 #include "ObrixBase/undo/StatefulUndoCmd.h"
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -30,6 +31,8 @@ struct EditablePoint : qvObrixBase::StatefulUndoCmd {
     ~EditablePoint() = default;
     qv::Reference<StatefulUndoState> getState() override {
         ++snapshots;
+        // A subclass sees the flags under their own names, already updated for this step.
+        flagsAtSnapshot.push_back({initialized, inChange});
         return new PointState(x, snapshotBytes);
     }
     void setState(qv::Reference<StatefulUndoState> state) override {
@@ -45,6 +48,7 @@ struct EditablePoint : qvObrixBase::StatefulUndoCmd {
     int snapshots = 0, changes = 0;
     std::vector<bool> recording; // whether a group was current at each restore
     std::uint32_t snapshotBytes = 64;
+    std::vector<std::pair<bool, bool>> flagsAtSnapshot; // (initialized, inChange)
 };
 
 class StatefulUndo : public obrix::test::UndoFixture {
@@ -91,6 +95,8 @@ TEST_F(StatefulUndo, InitializeMarksTheGroupAndRecordsTheFirstState) {
     p.moveTo(4.0);
     VK_undo_pop_group(true);
     EXPECT_TRUE(p.isInitialized());
+    using Flags = std::pair<bool, bool>;
+    EXPECT_EQ(p.flagsAtSnapshot, (std::vector<Flags>{{true, false}, {true, true}, {true, false}}));
     EXPECT_TRUE(manager().getGroup(-1)->isMarked());
     ASSERT_TRUE(manager().undo().isOk());
     EXPECT_EQ(p.x, 3.0);
