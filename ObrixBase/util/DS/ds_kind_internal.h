@@ -20,6 +20,10 @@
 #ifndef OBRIX_UTIL_DS_DS_KIND_INTERNAL_H
 #define OBRIX_UTIL_DS_DS_KIND_INTERNAL_H
 
+#if !defined(OBRIX_BUILDING)
+#error "ds_kind_internal.h is private to libObrixBase; include the public headers instead"
+#endif
+
 #include <algorithm>
 #include <cstdlib>
 #include <functional>
