@@ -56,6 +56,43 @@ bool acceptable(DS_Structure* registry, void* fn) {
     return VK_get_items_registration_id(fn, registry, &local) >= 0;
 }
 
+// The comparator and filter registries follow one rule, written once: a structure's function
+// is replaced only by one its registry holds (any function while there is no registry), and
+// lookups answer through the registry by index or by function.
+template <class Fn>
+Fn setRegistered(DS_Structure* s, Fn DS_Structure::*field, DS_Structure* registry, Fn fn,
+                 int* status) {
+    VK_SET_STATUS(status, VK_NO_ERROR);
+    if (!s) {
+        VK_SET_STATUS(status, VK_ARGUMENT_ERROR);
+        return nullptr;
+    }
+    Fn previous = s->*field;
+    if (!acceptable(registry, fnToItem(fn))) {
+        VK_SET_STATUS(status, VK_ITEM_NOT_FOUND);
+        return previous;
+    }
+    s->*field = fn;
+    return previous;
+}
+
+template <class Fn>
+Fn registeredFunction(DS_Structure* registry, int index, int* status) {
+    VK_SET_STATUS(status, VK_NO_ERROR);
+    int local = 0;
+    void* item = VK_get_id_registration(index, registry, &local);
+    if (!item)
+        VK_SET_STATUS(status, VK_ITEM_NOT_FOUND);
+    return itemToFn<Fn>(item);
+}
+
+template <class Fn>
+int registeredIndex(DS_Structure* registry, Fn fn, int* status) {
+    VK_SET_STATUS(status, VK_NO_ERROR);
+    int local = 0;
+    return registry ? VK_get_items_registration_id(fnToItem(fn), registry, &local) : -1;
+}
+
 // The low 32 bits of an address, the width the structure printout shows.
 unsigned low32(const void* p) {
     return static_cast<unsigned>(reinterpret_cast<std::uintptr_t>(p));
@@ -198,7 +235,9 @@ DS_Structure* Ds_get_object_table(void) {
     return objectTable;
 }
 
-DS_Structure* DS_create_type(int kind, int* status, int line, const char* file) {
+// The record comes from the C heap like every node of the kinds, so that DS_destructor and
+// callers free it alike; the caller's source position is therefore not needed.
+DS_Structure* DS_create_type(int kind, int* status, int /*line*/, const char* /*file*/) {
     VK_SET_STATUS(status, VK_NO_ERROR);
     registerBuiltinKinds();
     auto* s = static_cast<DS_Structure*>(std::malloc(sizeof(DS_Structure)));
@@ -259,33 +298,11 @@ bool DS_filter(DS_Structure* s, void* item) {
 }
 
 DS_Compare_fn DS_set_comparator(DS_Structure* s, DS_Compare_fn comparator, int* status) {
-    VK_SET_STATUS(status, VK_NO_ERROR);
-    if (!s) {
-        VK_SET_STATUS(status, VK_ARGUMENT_ERROR);
-        return nullptr;
-    }
-    DS_Compare_fn previous = s->comparator;
-    if (!acceptable(comparatorRegistry, fnToItem(comparator))) {
-        VK_SET_STATUS(status, VK_ITEM_NOT_FOUND);
-        return previous;
-    }
-    s->comparator = comparator;
-    return previous;
+    return setRegistered(s, &DS_Structure::comparator, comparatorRegistry, comparator, status);
 }
 
 DS_Filter_fn DS_set_filter(DS_Structure* s, DS_Filter_fn filter, int* status) {
-    VK_SET_STATUS(status, VK_NO_ERROR);
-    if (!s) {
-        VK_SET_STATUS(status, VK_ARGUMENT_ERROR);
-        return nullptr;
-    }
-    DS_Filter_fn previous = s->filter;
-    if (!acceptable(filterRegistry, fnToItem(filter))) {
-        VK_SET_STATUS(status, VK_ITEM_NOT_FOUND);
-        return previous;
-    }
-    s->filter = filter;
-    return previous;
+    return setRegistered(s, &DS_Structure::filter, filterRegistry, filter, status);
 }
 
 long DS_register_comparator(int index, DS_Compare_fn comparator, int* status) {
@@ -297,36 +314,19 @@ long DS_register_filter(int index, DS_Filter_fn filter, int* status) {
 }
 
 DS_Compare_fn DS_get_comparator_function(int index, int* status) {
-    VK_SET_STATUS(status, VK_NO_ERROR);
-    int local = 0;
-    void* item = VK_get_id_registration(index, comparatorRegistry, &local);
-    if (!item)
-        VK_SET_STATUS(status, VK_ITEM_NOT_FOUND);
-    return itemToFn<DS_Compare_fn>(item);
+    return registeredFunction<DS_Compare_fn>(comparatorRegistry, index, status);
 }
 
 DS_Filter_fn DS_get_filter_function(int index, int* status) {
-    VK_SET_STATUS(status, VK_NO_ERROR);
-    int local = 0;
-    void* item = VK_get_id_registration(index, filterRegistry, &local);
-    if (!item)
-        VK_SET_STATUS(status, VK_ITEM_NOT_FOUND);
-    return itemToFn<DS_Filter_fn>(item);
+    return registeredFunction<DS_Filter_fn>(filterRegistry, index, status);
 }
 
 int DS_get_comparator_index(DS_Compare_fn comparator, int* status) {
-    VK_SET_STATUS(status, VK_NO_ERROR);
-    int local = 0;
-    return comparatorRegistry
-               ? VK_get_items_registration_id(fnToItem(comparator), comparatorRegistry, &local)
-               : -1;
+    return registeredIndex(comparatorRegistry, comparator, status);
 }
 
 int DS_get_filter_index(DS_Filter_fn filter, int* status) {
-    VK_SET_STATUS(status, VK_NO_ERROR);
-    int local = 0;
-    return filterRegistry ? VK_get_items_registration_id(fnToItem(filter), filterRegistry, &local)
-                          : -1;
+    return registeredIndex(filterRegistry, filter, status);
 }
 
 DS_Structure* DS_difference(DS_Structure* a, DS_Structure* b, int* status) {
