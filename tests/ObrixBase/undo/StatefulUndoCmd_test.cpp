@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include "ObrixBase/undo/UndoCommand.h"
 #include "tests/ObrixBase/undo/UndoFixture.h"
 
 namespace {
@@ -156,26 +155,4 @@ TEST_F(StatefulUndo, TheHistoryLimitTrimsByGroupsAndSnapshotBytesWithoutDangling
     manager().setMaxBytes(bytes64 + 2000);
     EXPECT_EQ(manager().getNumGroups(), 1);
     EXPECT_EQ(liveSnapshots, 2);
-}
-
-TEST(UndoCommand, AsksForThePlanesOfItsRedrawSelectorAndNothingForOthers) {
-    struct Probe : qvObrixBase::UndoCommand {
-        using UndoCommand::UndoCommand;
-        qvUtil::Error doCommand() override { return {}; }
-        qvUtil::Error undoCommand() override { return {}; }
-    } probe(nullptr, "probe");
-    // C callers may pass any int: values far outside the enumerators select nothing too.
-    const int selector[] = {0, 1, 2, 3, 4, 5, 99, -1};
-    const int expected[] = {0, 0x9C0, 0x9F8, 0x9FF, 0xFFF, 0, 0, 0};
-    for (int i = 0; i < 8; ++i) {
-        redraw_reset_pending();
-        probe.redrawPlanes(static_cast<ObrixRedraw>(selector[i]));
-        EXPECT_EQ(redraw_get_pending_planes(), expected[i]) << selector[i];
-        EXPECT_EQ(redraw_get_pending_layers(), expected[i] ? 1 : 0) << selector[i];
-    }
-    probe.setRedrawPending();
-    EXPECT_TRUE(redraw_get_pending_redraw_all());
-    redraw_reset_pending();
-    int object = 0;
-    probe.declare(&object); // no group: nothing to declare to, and no crash
 }
