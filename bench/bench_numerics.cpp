@@ -30,7 +30,8 @@ Strided stridedView(const DoubleVec& v) {
 // Eigen gets a map whose type says "contiguous" at stride 1, so that it can vectorise; `body`
 // runs the timed loop over the two views.
 template <class Body>
-void withEigenViews(benchmark::State& state, const DoubleVec& a, const DoubleVec& b, Body body) {
+void withEigenViews(benchmark::State& /*state*/, const DoubleVec& a, const DoubleVec& b,
+                    Body body) {
     if (a.stride() == 1)
         body(Contiguous(a.data(), a.length()), Contiguous(b.data(), b.length()));
     else

@@ -4,7 +4,7 @@ add_library(obrix_build_flags INTERFACE)
 
 if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
   target_compile_options(obrix_build_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow
-    -Wno-unused-parameter $<$<BOOL:${OBRIX_WERROR}>:-Werror>)
+    $<$<BOOL:${OBRIX_WERROR}>:-Werror>)
   if(OBRIX_SANITIZE)
     add_compile_options(-fsanitize=address,undefined -fno-omit-frame-pointer
                         -fno-sanitize-recover=undefined)

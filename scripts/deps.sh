@@ -6,7 +6,7 @@ set -euo pipefail
 packages_for() {
   case "$1" in
     build) echo "g++ cmake ninja-build pkg-config libboost-dev" ;;
-    test)  echo "libgtest-dev libgmock-dev liblapack-dev" ;;
+    test)  echo "libgtest-dev libgmock-dev liblapack-dev python3" ;;
     bench) echo "libbenchmark-dev libeigen3-dev liblapack-dev libopenblas-dev" ;;
     fuzz)  echo "clang libclang-rt-14-dev" ;;
     # The Windows leg: the mingw-w64 cross compiler with the posix thread model, Wine to run

@@ -37,31 +37,33 @@ typedef struct An_Item_sort_s {
 /* ---- AN_*: every routine sets `*status` (null allowed) to 0 first ---- */
 
 /// A new item with `next` null, from MA_malloc with the caller's `line` and `file`; null with
-/// status 3 when memory runs out.
+/// status `VK_MEMORY_FAULT` (3) when memory runs out.
 OBRIX_API AN_Animtron_s* AN_item_create_type(int type, void* data, int line, const char* file,
                                              int* status);
 /// Frees `*item` when there is one, sets `*item` to null and returns 1; a null address gives
-/// status 1 and 0. The data is not touched.
+/// status `VK_ARGUMENT_ERROR` (1) and 0. The data is not touched.
 OBRIX_API long AN_item_free(AN_Animtron_s** item, int* status);
 /// Frees the chain that follows `next` from `*first`, sets `*first` to null and returns 1; a
-/// null address gives status 1 and 0.
+/// null address gives status `VK_ARGUMENT_ERROR` (1) and 0.
 OBRIX_API long AN_item_list_free(AN_Animtron_s** first, int* status);
 /// 1 when both items exist and have the same type and the same data pointer, else 0.
 OBRIX_API long AN_ds_item_equal(AN_Animtron_s* a, AN_Animtron_s* b);
 /// The first item of `list` (walked from head, through its filter) whose data is `data` (the
-/// same pointer), or null. Null `data` or `list` gives status 1 and null; an operation of the
-/// structure that reports a non-zero status stops the walk with null and that status. O(n).
+/// same pointer), or null. Null `data` or `list` gives status `VK_ARGUMENT_ERROR` (1) and null; an
+/// operation of the structure that reports a non-zero status stops the walk with null and that
+/// status. O(n).
 OBRIX_API AN_Animtron_s* AN_is_item_in_item_list(void* data, DS_Structure* list, int* status);
 /// Adds a new item (type, data) with the structure's add operation, unless an item with the
 /// same data is already there: then nothing is added and 0 is returned with status 0 (the
-/// refusal is silent). Null `data` or `list`, or a list without methods, gives status 1 and 0.
-/// Otherwise returns 1 when no status pointer was given or the status is 0 afterwards, so a
-/// caller that passes no status pointer cannot see a refusal by the structure's filter; the
-/// refused item is freed either way. The list owns the new item: take it out with
-/// AN_remove_from_item_list. O(n).
+/// refusal is silent). Null `data` or `list`, or a list without methods, gives status
+/// `VK_ARGUMENT_ERROR` (1) and 0. Otherwise returns 1 when no status pointer was given or the
+/// status is 0 afterwards, so a caller that passes no status pointer cannot see a refusal by the
+/// structure's filter; the refused item is freed either way. The list owns the new item: take it
+/// out with AN_remove_from_item_list. O(n).
 OBRIX_API long AN_add_to_item_list(int type, void* data, DS_Structure* list, int* status);
 /// Removes and frees the first item whose data is `data`. Returns 1 when removed with status
-/// 0, else 0; null arguments give status 1, an absent item status 12. O(n).
+/// 0, else 0; null arguments give status `VK_ARGUMENT_ERROR` (1), an absent item status
+/// `VK_ITEM_NOT_FOUND` (12). O(n).
 OBRIX_API long AN_remove_from_item_list(void* data, DS_Structure* list, int* status);
 /// Prints the item through the debug printer (AA_debug_print), indented:
 /// "Item: 0x..." then a braced block of "Type: %d", "Data: 0x..." and "Next: 0x...", one

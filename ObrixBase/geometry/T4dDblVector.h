@@ -11,10 +11,10 @@
 #include "ObrixBase/geometry/T4dDblMatrix.h"
 #include "ObrixBase/geometry/Tangle.h"
 #include "ObrixBase/geometry/Taxis.h"
-#include "ObrixBase/geometry/TunitQuaternion.h"
 
 class T3dDblPoint;
 class T4dDblPoint;
+class TunitQuaternion;
 
 /// A 3D direction (x, y, z). A plain, trivially copyable value class with public components
 /// stored contiguously. No operation reports an error; the only built-in tolerance is the
@@ -215,6 +215,8 @@ public:
     /// length of at most 1e-9: nearly parallel directions, short vectors even when
     /// perpendicular, and opposite directions whose cosine rounds short of -1 (an angle about
     /// 2e-8 from pi), such as (1, 1, 0) and (-1, -1, 0).
+    /// The quaternion is built on top of this class, so the result's class is only declared
+    /// here: include "ObrixBase/geometry/TunitQuaternion.h" (or the umbrella) to call this.
     TunitQuaternion rotateTo(const T4dDblVector& target) const noexcept;
 };
 

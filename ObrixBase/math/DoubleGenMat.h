@@ -46,7 +46,7 @@ public:
     NumGenMat(const T* values, unsigned rows, unsigned cols);
     /// Shallow: shares the storage.
     NumGenMat(const NumGenMat& other) noexcept = default;
-    /// Shares `data`'s block; raises 0x400A unless its length is rows * cols.
+    /// Shares `data`'s block; raises `MATX_NPOINTS` (0x400A) unless its length is rows * cols.
     NumGenMat(const NumVec<T>& data, unsigned rows, unsigned cols);
     /// Element-wise conversion from an IntGenMat (a new matrix).
     template <class U = T>
@@ -67,7 +67,7 @@ public:
     NumGenMat(const NumGenMatPick<T>& pick);
     ~NumGenMat() = default;
 
-    /// Copies elements; raises 0x4004 unless the shapes match.
+    /// Copies elements; raises `MATX_MATSIZE` (0x4004) unless the shapes match.
     NumGenMat& operator=(const NumGenMat& other);
     /// Sets every element.
     NumGenMat& operator=(T value);
@@ -98,7 +98,7 @@ public:
     /// Unchecked element access.
     T& operator()(int i, int j) noexcept { return vec_.data()[offset(i, j)]; }
     T operator()(int i, int j) const noexcept { return vec_.data()[offset(i, j)]; }
-    /// Checked element access (0x4005).
+    /// Checked element access (`MATX_BOUNDS` (0x4005)).
     T& bcref(int i, int j) {
         boundsCheck(i, j);
         return (*this)(i, j);
@@ -120,23 +120,24 @@ public:
     NumVec<T> col(int j) const { return NumVec<T>(vec_, static_cast<int>(nrows_) * j, nrows_, 1); }
     /// Diagonal k (0 main, k > 0 above, k < 0 below) as a view of stride rows + 1.
     NumVec<T> diagonal(int k = 0) const;
-    /// Checked forms: 0x4006, 0x4007, 0x4008.
+    /// Checked forms: `MATX_ROWBOUNDS` (0x4006), `MATX_COLBOUNDS` (0x4007), `MATX_DIAGBOUNDS`
+    /// (0x4008).
     NumVec<T> bcrow(int i) const;
     NumVec<T> bccol(int j) const;
     NumVec<T> bcdiagonal(int k = 0) const;
-    /// An index-list view of the rows and columns listed (checked: 0x4001).
+    /// An index-list view of the rows and columns listed (checked: `MATX_PICKRANGE` (0x4001)).
     NumGenMatPick<T> operator()(const NumVec<int>& rowIndices, const NumVec<int>& colIndices);
 
-    /// Raises 0x4005 (i, j, rows, cols) unless (i, j) lies in the matrix.
+    /// Raises `MATX_BOUNDS` (0x4005) (i, j, rows, cols) unless (i, j) lies in the matrix.
     void boundsCheck(int i, int j) const;
-    /// Raises 0x4004 with both shapes unless `other` has this one's shape.
+    /// Raises `MATX_MATSIZE` (0x4004) with both shapes unless `other` has this one's shape.
     void shapeCheck(const NumGenMat& other) const;
 
     bool operator==(const NumGenMat& other) const;
     bool operator!=(const NumGenMat& other) const { return !(*this == other); }
     NumGenMat& operator++();
     NumGenMat& operator--();
-    /// In-place element-wise arithmetic (0x4004 on shape).
+    /// In-place element-wise arithmetic (`MATX_MATSIZE` (0x4004) on shape).
     NumGenMat& operator+=(const NumGenMat& other);
     NumGenMat& operator-=(const NumGenMat& other);
     NumGenMat& operator*=(const NumGenMat& other);
@@ -169,11 +170,11 @@ private:
 template <class T>
 class OBRIX_API NumGenMatPick {
 public:
-    /// Checks every index from last to first (0x4001).
+    /// Checks every index from last to first (`MATX_PICKRANGE` (0x4001)).
     NumGenMatPick(const NumGenMat<T>& matrix, const NumVec<int>& rowIndices,
                   const NumVec<int>& colIndices);
     NumGenMatPick(const NumGenMatPick&) = default;
-    /// Scatters a matrix of the pick's shape (0x4004 otherwise).
+    /// Scatters a matrix of the pick's shape (`MATX_MATSIZE` (0x4004) otherwise).
     NumGenMatPick& operator=(const NumGenMat<T>& values);
     /// Sets every picked element.
     NumGenMatPick& operator=(T value);
@@ -193,7 +194,7 @@ private:
 /// Unary minus, as a new matrix.
 template <class T>
 OBRIX_API NumGenMat<T> operator-(const NumGenMat<T>& m);
-/// Element-wise arithmetic of same-shaped matrices (0x4004 otherwise).
+/// Element-wise arithmetic of same-shaped matrices (`MATX_MATSIZE` (0x4004) otherwise).
 template <class T>
 OBRIX_API NumGenMat<T> operator+(const NumGenMat<T>& a, const NumGenMat<T>& b);
 template <class T>
@@ -222,19 +223,20 @@ OBRIX_API NumGenMat<T> operator/(std::type_identity_t<T> s, const NumGenMat<T>& 
 /// Absolute values of every element.
 template <class T>
 OBRIX_API NumGenMat<T> abs(const NumGenMat<T>& m);
-/// A x B (0x4016 unless A.cols == B.rows): element (i, j) is dot(row i of A, column j of B).
+/// A x B (`MATX_MATMATPROD` (0x4016) unless A.cols == B.rows): element (i, j) is dot(row i of A,
+/// column j of B).
 template <class T>
 OBRIX_API NumGenMat<T> product(const NumGenMat<T>& a, const NumGenMat<T>& b);
-/// A^T x B (0x4016 unless A.rows == B.rows).
+/// A^T x B (`MATX_MATMATPROD` (0x4016) unless A.rows == B.rows).
 template <class T>
 OBRIX_API NumGenMat<T> transposeProduct(const NumGenMat<T>& a, const NumGenMat<T>& b);
-/// A x B^T (0x4016 unless A.cols == B.cols).
+/// A x B^T (`MATX_MATMATPROD` (0x4016) unless A.cols == B.cols).
 template <class T>
 OBRIX_API NumGenMat<T> transProduct(const NumGenMat<T>& a, const NumGenMat<T>& b);
-/// A x v (0x4014 unless v has A.cols elements).
+/// A x v (`MATX_MATVECPROD` (0x4014) unless v has A.cols elements).
 template <class T>
 OBRIX_API NumVec<T> product(const NumGenMat<T>& a, const NumVec<T>& v);
-/// v x A (0x4015 unless v has A.rows elements).
+/// v x A (`MATX_VECMATPROD` (0x4015) unless v has A.rows elements).
 template <class T>
 OBRIX_API NumVec<T> product(const NumVec<T>& v, const NumGenMat<T>& a);
 /// A new cols x rows matrix.

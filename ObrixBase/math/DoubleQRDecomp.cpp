@@ -15,8 +15,8 @@ int leading(const DoubleGenMat& a) {
 }
 
 // The argument rule of every caller of the apply kernel: y needs the m elements of a column
-// (else FACT_BADLENGTH (length, m) and false); a reflector count kk outside [0, mn] means all
-// mn of them.
+// (else `FACT_BADLENGTH` (0x5002) (length, m) and false); a reflector count kk outside [0, mn]
+// means all mn of them.
 bool applyArgumentsFit(const DoubleVec& y, unsigned m, int mn, int& kk) {
     if (y.length() != m) {
         mathErrorRaise(FACT_BADLENGTH, y.length(), m);

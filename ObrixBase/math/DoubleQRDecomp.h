@@ -39,8 +39,8 @@ public:
     int isSingular() const;
 
     // Applications with the first k columns (k < 0 or beyond min(m, n) means min(m, n)); y
-    // must have length m (0x5002 (length, m)). A zero diagonal element met while solving
-    // raises 0x5011.
+    // must have length m (`FACT_BADLENGTH` (0x5002) (length, m)). A zero diagonal element met while
+    // solving raises `FACT_NOTFACTORED` (0x5011).
     /// Q'y (length m).
     DoubleVec computeQTy(const DoubleVec& y, int k = -1) const;
     /// Q y (length m).
@@ -54,9 +54,10 @@ public:
     /// The least-squares coefficients for all columns, in the input's column order; the
     /// coefficients past min(m, n) are 0.
     DoubleVec solve(const DoubleVec& b) const;
-    /// A length-n vector from the input's column order to the factored one (0x5004).
+    /// A length-n vector from the input's column order to the factored one (`FACT_PERMUTELENGTH`
+    /// (0x5004)).
     DoubleVec permute(const DoubleVec& v) const;
-    /// Back to the input's column order (0x5004).
+    /// Back to the input's column order (`FACT_PERMUTELENGTH` (0x5004)).
     DoubleVec unpermute(const DoubleVec& v) const;
 
     /// m, the row count of the factored matrix.
@@ -69,8 +70,9 @@ public:
     const DoubleVec& qraux() const { return qraux_; }
 
 protected:
-    /// One call of the apply kernel with `job` on a copy of y (length m, else 0x5002 and an
-    /// empty result); k as for the applications. Raises 0x5011 for a non-zero status.
+    /// One call of the apply kernel with `job` on a copy of y (length m, else `FACT_BADLENGTH`
+    /// (0x5002) and an empty result); k as for the applications. Raises `FACT_NOTFACTORED` (0x5011)
+    /// for a non-zero status.
     DoubleVec apply(const DoubleVec& y, int k, int job) const;
     /// min(m, n), the length of R's diagonal.
     int diagonalCount() const;
@@ -105,8 +107,8 @@ public:
     int numFreeCols() const;
     /// 1 when numFreeCols() is not 0.
     int isUnderDetermined() const { return numFreeCols() != 0; }
-    /// The basic solution: free coefficients 0. b must have length m (0x5002); an empty
-    /// factorisation (n = 0) raises 0x5011.
+    /// The basic solution: free coefficients 0. b must have length m (`FACT_BADLENGTH` (0x5002));
+    /// an empty factorisation (n = 0) raises `FACT_NOTFACTORED` (0x5011).
     DoubleVec solve(const DoubleVec& b) const;
     /// The residual of that basic solution (same checks).
     DoubleVec residual(const DoubleVec& b) const;

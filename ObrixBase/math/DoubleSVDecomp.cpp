@@ -78,5 +78,11 @@ void DoubleSVDecomp::factor(const DoubleGenMat& a) {
     qvObrixBase::kernels::dsvdc(x.data(), ld, static_cast<int>(m), static_cast<int>(n), s_.data(),
                                 e_.data(), left ? u_.data() : nullptr, ld,
                                 right ? v_.data() : nullptr, ldv, work.data(), job_, &info_);
+    // The kernel zeroes the superdiagonal it iterates on (the first min(m + 1, n) entries);
+    // for a wide matrix the entries past it still hold the row reflectors' working values,
+    // which mean nothing to a caller: a successful factorisation hands out a zero e.
+    if (info_ == 0)
+        for (unsigned j = std::min(m + 1, n); j < n; ++j)
+            e_(static_cast<int>(j)) = 0.0;
     s_.resize(mn);
 }

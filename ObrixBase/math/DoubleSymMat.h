@@ -36,29 +36,29 @@ public:
     void zero() { vec_ = 0.0; }
     /// Makes the storage exclusive and contiguous.
     void deepenShallowCopy() { vec_.deepenShallowCopy(); }
-    /// Raises 0x4005 (i, j, n, n) unless both indices are in [0, n).
+    /// Raises `MATX_BOUNDS` (0x4005) (i, j, n, n) unless both indices are in [0, n).
     void boundsCheck(int i, int j) const;
-    /// Raises 0x4004 with both shapes unless the orders are equal.
+    /// Raises `MATX_MATSIZE` (0x4004) with both shapes unless the orders are equal.
     void shapeCheck(const DoublePackedMat& other) const;
 
 protected:
     DoublePackedMat() noexcept : vec_(), n_(0) {}
-    /// Order n with uninitialised storage; raises 0x400D (n, m) unless n == m.
+    /// Order n with uninitialised storage; raises `MATX_NSQUARE` (0x400D) (n, m) unless n == m.
     DoublePackedMat(unsigned n, unsigned m);
-    /// Shares `data`; raises 0x400D unless n == m and 0x400A (length, n, n, className) unless
-    /// the length is n(n+1)/2.
+    /// Shares `data`; raises `MATX_NSQUARE` (0x400D) unless n == m and `MATX_NPOINTS` (0x400A)
+    /// (length, n, n, className) unless the length is n(n+1)/2.
     DoublePackedMat(const DoubleVec& data, unsigned n, unsigned m, const char* className);
     DoublePackedMat(const DoublePackedMat&) noexcept = default;
     ~DoublePackedMat() = default;
     /// Element copy after shapeCheck.
     void assign(const DoublePackedMat& other);
-    /// Raises 0x400D (n, m) unless n == m; then order m over the packed vector resized to
-    /// m(m+1)/2, keeping the leading elements (the leading submatrix).
+    /// Raises `MATX_NSQUARE` (0x400D) (n, m) unless n == m; then order m over the packed vector
+    /// resized to m(m+1)/2, keeping the leading elements (the leading submatrix).
     void resizePacked(unsigned n, unsigned m);
     /// The same without keeping anything.
     void reshapePacked(unsigned n, unsigned m);
-    /// The view of the first k(k+1)/2 elements; raises 0x4018 (k, n) unless 0 <= k <= n. A
-    /// negative k (when the handler returns) gives an empty view.
+    /// The view of the first k(k+1)/2 elements; raises `MATX_LEADSUB` (0x4018) (k, n) unless 0 <= k
+    /// <= n. A negative k (when the handler returns) gives an empty view.
     DoubleVec leadingElements(int k) const;
 
     DoubleVec vec_;
@@ -84,11 +84,11 @@ public:
     }
     /// The same as copy().
     Derived deepCopy() const { return self().copy(); }
-    /// Order m keeping the leading submatrix (resize) or nothing (reshape); 0x400D unless
-    /// n == m.
+    /// Order m keeping the leading submatrix (resize) or nothing (reshape); `MATX_NSQUARE` (0x400D)
+    /// unless n == m.
     void resize(unsigned n, unsigned m) { resizePacked(n, m); }
     void reshape(unsigned n, unsigned m) { reshapePacked(n, m); }
-    /// Checked read (0x4005 with (i, j, n, n)).
+    /// Checked read (`MATX_BOUNDS` (0x4005) with (i, j, n, n)).
     double bcval(int i, int j) const {
         boundsCheck(i, j);
         return self()(i, j);
@@ -135,7 +135,7 @@ class OBRIX_API DoubleSymMat : public obrix::detail::PackedMatMembers<DoubleSymM
 public:
     /// Order 0.
     DoubleSymMat() noexcept = default;
-    /// Order n, uninitialised (0x400D unless n == m).
+    /// Order n, uninitialised (`MATX_NSQUARE` (0x400D) unless n == m).
     DoubleSymMat(unsigned n, unsigned m);
     /// Order n, every element `value`.
     DoubleSymMat(unsigned n, unsigned m, double value);
@@ -144,7 +144,7 @@ public:
     /// Shallow.
     DoubleSymMat(const DoubleSymMat& other) noexcept = default;
     ~DoubleSymMat() = default;
-    /// Copies elements (0x4004 unless the orders match).
+    /// Copies elements (`MATX_MATSIZE` (0x4004) unless the orders match).
     DoubleSymMat& operator=(const DoubleSymMat& other);
     using PackedMatMembers::operator=;
     /// Rebinds to `other`'s storage and order.
@@ -160,7 +160,7 @@ public:
     /// Unchecked; (i, j) and (j, i) are the same element.
     double& operator()(int i, int j) noexcept { return vec_(static_cast<int>(index(i, j))); }
     double operator()(int i, int j) const noexcept { return vec_(static_cast<int>(index(i, j))); }
-    /// Checked forms (0x4005 with (i, j, n, n)).
+    /// Checked forms (`MATX_BOUNDS` (0x4005) with (i, j, n, n)).
     double& bcref(int i, int j) {
         boundsCheck(i, j);
         return (*this)(i, j);
@@ -170,7 +170,7 @@ public:
         return (*this)(i, j) = x;
     }
     double set(int i, int j, double x) noexcept { return (*this)(i, j) = x; }
-    /// The order-k leading block, sharing the storage (0x4018 unless 0 <= k <= n).
+    /// The order-k leading block, sharing the storage (`MATX_LEADSUB` (0x4018) unless 0 <= k <= n).
     DoubleSymMat leadingSubmatrix(int k) const;
 };
 
@@ -187,7 +187,7 @@ using IfPackedMatrix = std::enable_if_t<PackedMatrix<M>, int>;
 } // namespace obrix
 
 /// Element-wise arithmetic of packed matrices of one class: it acts on the packed vectors, so
-/// * and / are element-wise, not matrix products. Order mismatches raise 0x4004.
+/// * and / are element-wise, not matrix products. Order mismatches raise `MATX_MATSIZE` (0x4004).
 template <class M, obrix::IfPackedMatrix<M> = 0>
 M operator+(const M& a, const M& b) {
     a.shapeCheck(b);
@@ -257,8 +257,8 @@ M& operator-=(M& a, const M& b) {
     a.dataVec() -= b.dataVec();
     return a;
 }
-/// In-place element-wise product and quotient of the stored elements (0x4004 on order), not
-/// matrix products.
+/// In-place element-wise product and quotient of the stored elements (`MATX_MATSIZE` (0x4004) on
+/// order), not matrix products.
 template <class M, obrix::IfPackedMatrix<M> = 0>
 M& operator*=(M& a, const M& b) {
     a.shapeCheck(b);
@@ -314,9 +314,11 @@ std::ostream& operator<<(std::ostream& out, const M& m) {
     return out;
 }
 
-/// (A(i, j) + A(j, i)) / 2 of a square A: the triangles are averaged (0x400D if not square).
+/// (A(i, j) + A(j, i)) / 2 of a square A: the triangles are averaged (`MATX_NSQUARE` (0x400D) if
+/// not square).
 OBRIX_API DoubleSymMat toSymMat(const DoubleGenMat& a);
-/// A x v and v x A walking the stored elements (0x4014, 0x4015 on length).
+/// A x v and v x A walking the stored elements (`MATX_MATVECPROD` (0x4014), `MATX_VECMATPROD`
+/// (0x4015) on length).
 OBRIX_API DoubleVec product(const DoubleSymMat& a, const DoubleVec& v);
 OBRIX_API DoubleVec product(const DoubleVec& v, const DoubleSymMat& a);
 /// A shallow copy: a symmetric matrix is its own transpose.

@@ -57,7 +57,7 @@ public:
     double operator()(int i, int j) const noexcept {
         return stores(i, j) ? this->vec_(static_cast<int>(index(i, j))) : 0.0;
     }
-    /// Checked form (0x4005 with (i, j, n, n)).
+    /// Checked form (`MATX_BOUNDS` (0x4005) with (i, j, n, n)).
     RODoubleRef bcref(int i, int j) {
         this->boundsCheck(i, j);
         return (*this)(i, j);
@@ -71,8 +71,9 @@ public:
 protected:
     using PackedMatMembers<Derived>::PackedMatMembers;
 
-    /// The body of the classes' own bcset(): 0x4005 out of range, 0x4009 (i, j, className)
-    /// in the empty triangle, where nothing is stored.
+    /// The body of the classes' own bcset(): `MATX_BOUNDS` (0x4005) out of range,
+    /// `MATX_CHANGEELEMENT` (0x4009) (i, j, className) in the empty triangle, where nothing is
+    /// stored.
     double checkedSet(int i, int j, double x, const char* className) {
         this->boundsCheck(i, j);
         if (!stores(i, j))
@@ -88,7 +89,7 @@ class OBRIX_API DoubleLowerTriMat : public obrix::detail::TriMatMembers<DoubleLo
 public:
     /// Order 0.
     DoubleLowerTriMat() noexcept = default;
-    /// Order n, uninitialised (0x400D unless n == m).
+    /// Order n, uninitialised (`MATX_NSQUARE` (0x400D) unless n == m).
     DoubleLowerTriMat(unsigned n, unsigned m);
     /// Order n, every stored element `value`.
     DoubleLowerTriMat(unsigned n, unsigned m, double value);
@@ -96,16 +97,17 @@ public:
     DoubleLowerTriMat(const DoubleVec& data, unsigned n, unsigned m);
     DoubleLowerTriMat(const DoubleLowerTriMat& other) noexcept = default;
     ~DoubleLowerTriMat() = default;
-    /// Copies elements (0x4004 unless the orders match).
+    /// Copies elements (`MATX_MATSIZE` (0x4004) unless the orders match).
     DoubleLowerTriMat& operator=(const DoubleLowerTriMat& other);
     using PackedMatMembers::operator=;
     /// Rebinds to `other`'s storage and order.
     DoubleLowerTriMat& reference(const DoubleLowerTriMat& other) noexcept;
     /// A deep copy with contiguous storage.
     DoubleLowerTriMat copy() const;
-    /// Raises 0x4009 (i, j, "DoubleLowerTriMat") for i < j and stores nothing there.
+    /// Raises `MATX_CHANGEELEMENT` (0x4009) (i, j, "DoubleLowerTriMat") for i < j and stores
+    /// nothing there.
     double bcset(int i, int j, double x);
-    /// The order-k leading block, sharing the storage (0x4018 unless 0 <= k <= n).
+    /// The order-k leading block, sharing the storage (`MATX_LEADSUB` (0x4018) unless 0 <= k <= n).
     DoubleLowerTriMat leadingSubmatrix(int k) const;
 };
 
@@ -123,19 +125,22 @@ public:
     using PackedMatMembers::operator=;
     DoubleUpperTriMat& reference(const DoubleUpperTriMat& other) noexcept;
     DoubleUpperTriMat copy() const;
-    /// Raises 0x4009 (i, j, "DoubleUpperTriMat") for i > j and stores nothing there.
+    /// Raises `MATX_CHANGEELEMENT` (0x4009) (i, j, "DoubleUpperTriMat") for i > j and stores
+    /// nothing there.
     double bcset(int i, int j, double x);
     DoubleUpperTriMat leadingSubmatrix(int k) const;
 };
 
-/// Keeps A(i, j) for j <= i (0x400D unless square); the dropped triangle is not checked.
+/// Keeps A(i, j) for j <= i (`MATX_NSQUARE` (0x400D) unless square); the dropped triangle is not
+/// checked.
 OBRIX_API DoubleLowerTriMat toLowerTriMat(const DoubleGenMat& a);
 /// Keeps A(i, j) for i <= j.
 OBRIX_API DoubleUpperTriMat toUpperTriMat(const DoubleGenMat& a);
 /// Re-labels the shared packed storage as the other triangle.
 OBRIX_API DoubleUpperTriMat transpose(const DoubleLowerTriMat& a);
 OBRIX_API DoubleLowerTriMat transpose(const DoubleUpperTriMat& a);
-/// A x v and v x A over the stored triangle (0x4014, 0x4015 on length).
+/// A x v and v x A over the stored triangle (`MATX_MATVECPROD` (0x4014), `MATX_VECMATPROD` (0x4015)
+/// on length).
 OBRIX_API DoubleVec product(const DoubleLowerTriMat& a, const DoubleVec& v);
 OBRIX_API DoubleVec product(const DoubleVec& v, const DoubleLowerTriMat& a);
 OBRIX_API DoubleVec product(const DoubleUpperTriMat& a, const DoubleVec& v);

@@ -31,14 +31,10 @@ constinit MessageCatalogue factCatalogue{5, factMessages,
 
 } // namespace
 
-std::uint16_t RWFACTInit::count_ = 0;
-
-RWFACTInit::RWFACTInit() {
-    mathCatalogueAcquire(count_, &factCatalogue);
+std::uint16_t& RWFACTInit::counter() {
+    static constinit std::uint16_t count = 0;
+    return count;
 }
-RWFACTInit::~RWFACTInit() {
-    mathCatalogueRelease(count_, 5);
-}
-std::uint16_t RWFACTInit::count() {
-    return count_;
+MessageCatalogue* RWFACTInit::catalogue() {
+    return &factCatalogue;
 }

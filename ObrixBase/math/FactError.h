@@ -9,8 +9,9 @@
 #include "ObrixBase/ObrixExport.h"
 #include "ObrixBase/math/MathError.h"
 
-/// Catalogue 5 (factorisations): codes 0x5000 to 0x5012, raised with severity request
-/// MATH_DEFAULT and tag MATH_TAG_SHORTHAND. Entries marked "continue" only report.
+/// Catalogue 5 (factorisations): codes `FACT_INTERNAL` (0x5000) to `FACT_PIVOTCLASS` (0x5012),
+/// raised with severity request MATH_DEFAULT and tag MATH_TAG_SHORTHAND. Entries marked "continue"
+/// only report.
 enum MathCatalogue5 : std::uint16_t {
     FACT_INTERNAL = 0x5000,      ///< continue
     FACT_NOCONDITION = 0x5001,   ///< continue: "Condition number not calculated"
@@ -34,19 +35,11 @@ enum MathCatalogue5 : std::uint16_t {
 };
 
 /// Counted registrar of catalogue 5; works as RWMATHInit.
-class OBRIX_API RWFACTInit {
-public:
-    /// Registers catalogue 5 when the count goes from 0 to 1.
-    RWFACTInit();
-    /// Unlinks catalogue 5 when the count goes from 1 to 0.
-    ~RWFACTInit();
-    RWFACTInit(const RWFACTInit&) = delete;
-    RWFACTInit& operator=(const RWFACTInit&) { return *this; }
-    /// The number of live instances.
-    static std::uint16_t count();
-
-private:
-    static std::uint16_t count_;
+class OBRIX_API RWFACTInit : public MathCatalogueRegistrar<RWFACTInit> {
+    friend class MathCatalogueRegistrar<RWFACTInit>;
+    static constexpr std::uint32_t kNumber = 5;
+    static std::uint16_t& counter();
+    static MessageCatalogue* catalogue();
 };
 
 namespace obrix::detail {

@@ -30,8 +30,8 @@ public:
 
     /// Re-factors a private copy of `a`.
     void factor(const M& a, int estimateCondition = 1);
-    /// Factors the matrix held. A general matrix must be square: 0x500D (rows, cols)
-    /// otherwise, after which the factorisation is empty. Raises nothing for singularity.
+    /// Factors the matrix held. A general matrix must be square: `FACT_NSQUARE` (0x500D) (rows,
+    /// cols) otherwise, after which the factorisation is empty. Raises nothing for singularity.
     void dofactor(int estimateCondition);
 
     /// 1 for an empty factorisation, or when 1 + rcond == 1 (rcond 0 included).
@@ -41,14 +41,16 @@ public:
     /// 1 when 1 + rcond == 1.
     int isSingular() const;
     /// The reciprocal condition estimate in the 1-norm. When it was not computed (factored
-    /// without the estimate and no zero pivot met) raises 0x5001 (continue) and returns -1.
+    /// without the estimate and no zero pivot met) raises `FACT_NOCONDITION` (0x5001) (continue)
+    /// and returns -1.
     double condition() const;
     /// The determinant, mantissa times power of ten from the factors; 0.0 for order 0.
     double determinant() const;
-    /// The inverse. Raises 0x5011 when fail(), then computes what the factors give.
+    /// The inverse. Raises `FACT_NOTFACTORED` (0x5011) when fail(), then computes what the factors
+    /// give.
     M inverse() const;
-    /// x with A x = b. Raises 0x5002 (length, n) and returns an empty vector for a b of
-    /// another length; raises 0x5011 when fail() and goes on.
+    /// x with A x = b. Raises `FACT_BADLENGTH` (0x5002) (length, n) and returns an empty vector for
+    /// a b of another length; raises `FACT_NOTFACTORED` (0x5011) when fail() and goes on.
     DoubleVec solve(const DoubleVec& b) const;
 
     /// The order n.

@@ -82,9 +82,6 @@ const MessageCatalogue* findCatalogue(std::uint16_t code) {
 
 } // namespace
 
-std::uint16_t RWMATHInit::count_ = 0;
-std::uint16_t RWMATXInit::count_ = 0;
-
 void mathErrorVRaise(MathError error, va_list args) {
     currentHandler(error, args);
 }
@@ -185,22 +182,18 @@ void mathCatalogueRelease(std::uint16_t& counter, std::uint32_t number) {
         mathCatalogueUnregister(number);
 }
 
-RWMATHInit::RWMATHInit() {
-    mathCatalogueAcquire(count_, &vectorCatalogue);
+std::uint16_t& RWMATHInit::counter() {
+    static constinit std::uint16_t count = 0;
+    return count;
 }
-RWMATHInit::~RWMATHInit() {
-    mathCatalogueRelease(count_, 3);
-}
-std::uint16_t RWMATHInit::count() {
-    return count_;
+MessageCatalogue* RWMATHInit::catalogue() {
+    return &vectorCatalogue;
 }
 
-RWMATXInit::RWMATXInit() {
-    mathCatalogueAcquire(count_, &matrixCatalogue);
+std::uint16_t& RWMATXInit::counter() {
+    static constinit std::uint16_t count = 0;
+    return count;
 }
-RWMATXInit::~RWMATXInit() {
-    mathCatalogueRelease(count_, 4);
-}
-std::uint16_t RWMATXInit::count() {
-    return count_;
+MessageCatalogue* RWMATXInit::catalogue() {
+    return &matrixCatalogue;
 }

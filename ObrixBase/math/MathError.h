@@ -49,7 +49,8 @@ struct MessageCatalogue {
     MessageCatalogue* next;
 };
 
-/// Catalogue 3 (vectors and storage): codes 0x3000 to 0x3013. Every format starts with
+/// Catalogue 3 (vectors and storage): codes `MATH_BADORDER` (0x3000) to `MATH_BADROOT` (0x3013).
+/// Every format starts with
 /// "[KEY: %s]" where %s is the reporting class or function.
 enum MathCatalogue3 : std::uint16_t {
     MATH_BADORDER = 0x3000,
@@ -74,7 +75,7 @@ enum MathCatalogue3 : std::uint16_t {
     MATH_BADROOT = 0x3013,
 };
 
-/// Catalogue 4 (matrices): codes 0x4000 to 0x4019.
+/// Catalogue 4 (matrices): codes `MATX_INTERNAL` (0x4000) to `MATX_RESTORE` (0x4019).
 enum MathCatalogue4 : std::uint16_t {
     MATX_INTERNAL = 0x4000,
     MATX_PICKRANGE = 0x4001,
@@ -150,36 +151,41 @@ OBRIX_API void mathCatalogueAcquire(std::uint16_t& counter, MessageCatalogue* ca
 /// Decrements `counter` and unregisters catalogue `number` on the change from 1 to 0.
 OBRIX_API void mathCatalogueRelease(std::uint16_t& counter, std::uint32_t number);
 
+/// The counted registrar behind RWMATHInit, RWMATXInit and RWFACTInit, written once. Each
+/// registrar class derives from it, names its catalogue's number and keeps its own 16-bit
+/// instance counter in the library (counter() and catalogue() are defined there), so that the
+/// units of every module that holds a registrar count in one place: the first construction
+/// registers the catalogue, the last destruction unregisters it.
+template <class Registrar>
+class MathCatalogueRegistrar {
+public:
+    /// Counts this instance in; the first registers the catalogue.
+    MathCatalogueRegistrar() { mathCatalogueAcquire(Registrar::counter(), Registrar::catalogue()); }
+    /// Counts this instance out; the last unlinks the catalogue.
+    ~MathCatalogueRegistrar() { mathCatalogueRelease(Registrar::counter(), Registrar::kNumber); }
+    MathCatalogueRegistrar(const MathCatalogueRegistrar&) = delete;
+    /// Does nothing: a registrar counts instances, it holds no value.
+    MathCatalogueRegistrar& operator=(const MathCatalogueRegistrar&) { return *this; }
+    /// The number of live instances.
+    static std::uint16_t count() { return Registrar::counter(); }
+};
+
 /// Counted registrar of catalogue 3. Every unit that uses the numeric classes holds one
 /// static instance (the headers provide it); the first construction registers the catalogue,
 /// the last destruction unregisters it.
-class OBRIX_API RWMATHInit {
-public:
-    /// Counts this instance in; the first registers catalogue 3, the last out unlinks it.
-    RWMATHInit();
-    ~RWMATHInit();
-    RWMATHInit(const RWMATHInit&) = delete;
-    RWMATHInit& operator=(const RWMATHInit&) { return *this; }
-    /// The number of live instances.
-    static std::uint16_t count();
-
-private:
-    static std::uint16_t count_;
+class OBRIX_API RWMATHInit : public MathCatalogueRegistrar<RWMATHInit> {
+    friend class MathCatalogueRegistrar<RWMATHInit>;
+    static constexpr std::uint32_t kNumber = 3;
+    static std::uint16_t& counter();
+    static MessageCatalogue* catalogue();
 };
 
 /// Counted registrar of catalogue 4 (matrix messages); works as RWMATHInit.
-class OBRIX_API RWMATXInit {
-public:
-    /// Counts this instance in; the first registers catalogue 4, the last out unlinks it.
-    RWMATXInit();
-    ~RWMATXInit();
-    RWMATXInit(const RWMATXInit&) = delete;
-    RWMATXInit& operator=(const RWMATXInit&) { return *this; }
-    /// The number of live instances.
-    static std::uint16_t count();
-
-private:
-    static std::uint16_t count_;
+class OBRIX_API RWMATXInit : public MathCatalogueRegistrar<RWMATXInit> {
+    friend class MathCatalogueRegistrar<RWMATXInit>;
+    static constexpr std::uint32_t kNumber = 4;
+    static std::uint16_t& counter();
+    static MessageCatalogue* catalogue();
 };
 
 namespace obrix::detail {

@@ -15,8 +15,8 @@
 class OBRIX_API RWBlock {
 public:
     /// A block of `count` elements of `elementSize` bytes, uninitialised, with one reference.
-    /// For count 0 the array is null. When the array cannot be allocated, raises 0x3008 NOMEM
-    /// ("RWBlock", forced terminate); if the handler returns, the array stays null.
+    /// For count 0 the array is null. When the array cannot be allocated, raises `MATH_NOMEM`
+    /// (0x3008) ("RWBlock", forced terminate); if the handler returns, the array stays null.
     RWBlock(unsigned count, unsigned elementSize) : references_(1), data_(nullptr) {
         if (count == 0)
             return;

@@ -120,9 +120,9 @@ private:
     DoubleVec data_;
 };
 
-/// S x v (0x4014 unless v has cols() elements).
+/// S x v (`MATX_MATVECPROD` (0x4014) unless v has cols() elements).
 OBRIX_API DoubleVec product(const TsparseMatrix& s, const DoubleVec& v);
-/// v x S (0x4015 unless v has rows() elements).
+/// v x S (`MATX_VECMATPROD` (0x4015) unless v has rows() elements).
 OBRIX_API DoubleVec product(const DoubleVec& v, const TsparseMatrix& s);
 
 #endif

@@ -21,9 +21,8 @@ public:
         : Command(group, name), snapshot_(std::move(snapshot)), isBefore_(isBefore) {}
 
     qvUtil::Error doCommand() override {
-        if (!isBefore_ && !skipNextDo_)
+        if (!isBefore_)
             restore.send(snapshot_);
-        skipNextDo_ = false;
         return {};
     }
 
@@ -44,9 +43,6 @@ public:
 private:
     Snapshot snapshot_;
     bool isBefore_;
-    // Lets a subclass of this design skip one replay of the after-state; nothing here sets
-    // it, but every forward step clears it.
-    bool skipNextDo_ = false;
 };
 
 } // namespace
@@ -59,7 +55,7 @@ StatefulUndoCmd::StatefulUndoCmd(const char* name) : name_(name) {
 StatefulUndoCmd::~StatefulUndoCmd() = default;
 
 void StatefulUndoCmd::initialize() {
-    initialized_ = true;
+    initialized = true;
     if (qvUndo::Group* group = undoGetGroup()) {
         group->setMarked(true);
         record(getState(), true);
@@ -67,13 +63,13 @@ void StatefulUndoCmd::initialize() {
 }
 
 void StatefulUndoCmd::startChange() {
-    inChange_ = true;
+    inChange = true;
     if (undoGetGroup())
         record(getState(), true);
 }
 
 void StatefulUndoCmd::endChange() {
-    inChange_ = false;
+    inChange = false;
     if (undoGetGroup())
         record(getState(), false);
 }

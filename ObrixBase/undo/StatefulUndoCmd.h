@@ -65,9 +65,9 @@ public:
     virtual void setState(qv::Reference<StatefulUndoState> state) = 0;
 
     /// True once initialize has been called, whether or not anything was recorded.
-    bool isInitialized() const noexcept { return initialized_; }
+    bool isInitialized() const noexcept { return initialized; }
     /// True between startChange and endChange, whether or not anything was recorded.
-    bool isInChange() const noexcept { return inChange_; }
+    bool isInChange() const noexcept { return inChange; }
     /// The name the recorded commands carry.
     const qvString::CString& getName() const noexcept { return name_; }
 
@@ -89,8 +89,13 @@ private:
     void setState_(qv::Reference<StatefulUndoState> snapshot);
 
     qvString::CString name_;
-    bool initialized_ = false;
-    bool inChange_ = false;
+
+protected:
+    /// Set by initialize and never cleared; kept for the subclass, which may read or reset it.
+    bool initialized = false;
+    /// Set by startChange, cleared by endChange; kept for the subclass, which may read it to
+    /// tell a change in progress from a restore.
+    bool inChange = false;
 };
 
 } // namespace qvObrixBase

@@ -98,7 +98,7 @@ void VK_undo_set_in_redo(bool value) {
     inUndo = value;
 }
 
-void VK_undo_call_supported(const char* name, const char* file, int line) {
+void VK_undo_call_supported(const char* name, const char* /*file*/, int /*line*/) {
     if (!qvObrixBase::undoGetGroup())
         qvUndoReport("UNSAFE call %s\n", name ? name : "");
 }

@@ -1,3 +1,9 @@
+// The AVL family over the caller's records. Its rebalancing is not shared with the binary tree
+// kind of the structure framework (util/DS/ds_bintree.cpp): here the balance and the insertion
+// marks live in the caller's node header and removal rebalances the whole tree with a fixed,
+// observable rotation order that callers see in their records, while the kind keeps heights
+// and parent links in nodes it owns and rebalances along one path. One rebalancing for both
+// would change what one of them promises.
 #include "ObrixBase/util/vk_avl.h"
 
 #include <algorithm>

@@ -41,10 +41,13 @@ OBRIX_API int VK_avl_remove(void** root, void* node, VK_avl_comparator compare);
 /// Returns 0 when removed, 1 when `node` itself is not on its search path (an equal but
 /// different node does not count), -1 when an argument is null. Balances are not updated.
 OBRIX_API int VK_bt_remove(void** root, void* node, VK_avl_comparator compare);
-/// Rebalances the tree held at `root` (the address of the root variable, since the root may
-/// rotate away): recomputes every balance from the heights, applies the first rotation found
-/// in post-order, and repeats until a full walk rotates nothing. A null `root` is ignored.
-/// O(n), plus the size of the rotated subtree for every rotation.
+/// Rebalances the tree held at `root`: recomputes every balance from the heights, applies the
+/// first rotation found in post-order, and repeats until a full walk rotates nothing. A null
+/// `root` is ignored. O(n), plus the size of the rotated subtree for every rotation.
+/// `root` is the address of the root variable, like insert's and remove's, and not the root
+/// node: a rotation at the top puts another node in the root's place, and only through the
+/// variable's address can the caller's tree follow it (a balance given the node alone would
+/// leave the caller holding a node that is no longer the root).
 OBRIX_API void VK_avl_balance(void** root);
 /// The node that compares equal to `key` (`compare(key, node)`), or null. O(log n).
 OBRIX_API void* VK_avl_find(void* root, void* key, VK_avl_comparator compare);

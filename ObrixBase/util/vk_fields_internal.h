@@ -6,6 +6,10 @@
 #ifndef OBRIX_UTIL_VK_FIELDS_INTERNAL_H
 #define OBRIX_UTIL_VK_FIELDS_INTERNAL_H
 
+#if !defined(OBRIX_BUILDING)
+#error "vk_fields_internal.h is private to libObrixBase; include the public headers instead"
+#endif
+
 #include <cstddef>
 #include <cstring>
 

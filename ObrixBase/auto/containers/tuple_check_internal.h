@@ -2,6 +2,10 @@
 #ifndef OBRIX_AUTO_CONTAINERS_TUPLE_CHECK_INTERNAL_H
 #define OBRIX_AUTO_CONTAINERS_TUPLE_CHECK_INTERNAL_H
 
+#if !defined(OBRIX_BUILDING)
+#error "tuple_check_internal.h is private to libObrixBase; include the public headers instead"
+#endif
+
 #include <cstdlib>
 
 #include "Base/rpt/rpt.h"

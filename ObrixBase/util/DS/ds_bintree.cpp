@@ -3,6 +3,12 @@
 // with the list kinds' rule (go right while the comparator answers exactly 1), which agrees
 // with them whenever the members are in comparator order, and costs O(log n) even for
 // insertion order. Nodes are relinked, never copied, so a node keeps its item for its life.
+//
+// The rebalancing is this kind's own rather than VK_avl_*'s: those trees keep a -1..1 balance
+// and a scratch direction in the caller's record, rebalance the whole tree after a removal
+// and refuse equal keys, all of which callers of that family rely on; this kind owns its
+// nodes, keeps heights and parent links, admits equal members and must stay O(log n) per
+// add and remove, so it rebalances along one path from the changed node up.
 #include <algorithm>
 #include <cstdlib>
 
@@ -174,7 +180,7 @@ struct BintreePolicy {
             return nullptr;
         TreeNode* prev = nullptr;
         for (TreeNode* n = root(s); n;) {
-            if (comparator(itemSlot, asSlot(n)) == 1) {
+            if (obrix::ds::callCompare(comparator, itemSlot, asSlot(n)) == 1) {
                 prev = n;
                 n = n->right;
             } else {

@@ -20,6 +20,10 @@
 #ifndef OBRIX_UTIL_DS_DS_KIND_INTERNAL_H
 #define OBRIX_UTIL_DS_DS_KIND_INTERNAL_H
 
+#if !defined(OBRIX_BUILDING)
+#error "ds_kind_internal.h is private to libObrixBase; include the public headers instead"
+#endif
+
 #include <algorithm>
 #include <cstdlib>
 #include <functional>
@@ -34,6 +38,13 @@ namespace obrix::ds {
 /// Calls a member's free callback. DS_memory_free takes only the slot, so it is called as
 /// what it is rather than through the two-argument callback type.
 long callFree(DS_Free_fn callback, void** slot, void* user);
+
+/// Calls a structure comparator. The ready-made comparators that take their slots as
+/// `void **` or `char **` are called with those types rather than through DS_Compare_fn.
+int callCompare(DS_Compare_fn comparator, void* a, void* b);
+
+/// Calls a find callback; Ds_string_find is called with its own `char *` arguments.
+int callMatch(DS_Match_fn match, void* item, void* key);
 
 /// Sorts `n` items with a structure comparator, which receives the addresses of two slots.
 /// The C runtime's qsort is used: it stays memory-safe with comparators that are not
@@ -50,7 +61,7 @@ void** linearInsertPosition(DS_Structure* s, void** itemSlot, DS_Compare_fn comp
     if (comparator == &Ds_filo_comparator)
         return nullptr;
     void** prev = nullptr;
-    for (void** n = P::first(s); n && comparator(itemSlot, n) == 1; n = P::after(s, n))
+    for (void** n = P::first(s); n && callCompare(comparator, itemSlot, n) == 1; n = P::after(s, n))
         prev = n;
     return prev;
 }
@@ -284,7 +295,7 @@ struct Kind {
         void** na = firstVisible(a);
         void** nb = firstVisible(b);
         while (na || nb) {
-            const bool takeB = !na || (nb && cmp && cmp(nb, na) != 1);
+            const bool takeB = !na || (nb && cmp && callCompare(cmp, nb, na) != 1);
             if (takeB) {
                 out.append(*nb, status);
                 nb = nextVisible(b, nb);
@@ -333,7 +344,7 @@ struct Kind {
         if (!match)
             return findItem(s, key);
         for (void** n = firstVisible(s); n; n = nextVisible(s, n))
-            if (match(*n, key))
+            if (callMatch(match, *n, key))
                 return n;
         return nullptr;
     }

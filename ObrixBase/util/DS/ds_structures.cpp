@@ -56,6 +56,43 @@ bool acceptable(DS_Structure* registry, void* fn) {
     return VK_get_items_registration_id(fn, registry, &local) >= 0;
 }
 
+// The comparator and filter registries follow one rule, written once: a structure's function
+// is replaced only by one its registry holds (any function while there is no registry), and
+// lookups answer through the registry by index or by function.
+template <class Fn>
+Fn setRegistered(DS_Structure* s, Fn DS_Structure::*field, DS_Structure* registry, Fn fn,
+                 int* status) {
+    VK_SET_STATUS(status, VK_NO_ERROR);
+    if (!s) {
+        VK_SET_STATUS(status, VK_ARGUMENT_ERROR);
+        return nullptr;
+    }
+    Fn previous = s->*field;
+    if (!acceptable(registry, fnToItem(fn))) {
+        VK_SET_STATUS(status, VK_ITEM_NOT_FOUND);
+        return previous;
+    }
+    s->*field = fn;
+    return previous;
+}
+
+template <class Fn>
+Fn registeredFunction(DS_Structure* registry, int index, int* status) {
+    VK_SET_STATUS(status, VK_NO_ERROR);
+    int local = 0;
+    void* item = VK_get_id_registration(index, registry, &local);
+    if (!item)
+        VK_SET_STATUS(status, VK_ITEM_NOT_FOUND);
+    return itemToFn<Fn>(item);
+}
+
+template <class Fn>
+int registeredIndex(DS_Structure* registry, Fn fn, int* status) {
+    VK_SET_STATUS(status, VK_NO_ERROR);
+    int local = 0;
+    return registry ? VK_get_items_registration_id(fnToItem(fn), registry, &local) : -1;
+}
+
 // The low 32 bits of an address, the width the structure printout shows.
 unsigned low32(const void* p) {
     return static_cast<unsigned>(reinterpret_cast<std::uintptr_t>(p));
@@ -123,10 +160,24 @@ long callFree(DS_Free_fn callback, void** slot, void* user) {
     return callback(slot, user);
 }
 
+int callCompare(DS_Compare_fn comparator, void* a, void* b) {
+    if (comparator == DS_DEFAULT_COMPARATOR)
+        return Ds_default_comparator(static_cast<void**>(a), static_cast<void**>(b));
+    if (comparator == DS_STRING_COMPARATOR)
+        return Ds_string_comparator(static_cast<char**>(a), static_cast<char**>(b));
+    return comparator(a, b);
+}
+
+int callMatch(DS_Match_fn match, void* item, void* key) {
+    if (match == DS_STRING_FIND)
+        return Ds_string_find(static_cast<char*>(item), static_cast<char*>(key));
+    return match(item, key);
+}
+
 namespace {
 DS_Compare_fn sortComparator = nullptr;
 int sortAdapter(const void* a, const void* b) {
-    return sortComparator(const_cast<void*>(a), const_cast<void*>(b));
+    return callCompare(sortComparator, const_cast<void*>(a), const_cast<void*>(b));
 }
 } // namespace
 
@@ -169,7 +220,7 @@ long Ds_register_structure(int kind, DS_Jump_table_s* table, int* status) {
         }
         record->ordered = 1;
         record->storage = nullptr;
-        record->comparator = &Ds_default_comparator;
+        record->comparator = DS_DEFAULT_COMPARATOR;
         record->filter = nullptr;
         record->methods = table;
         if (table->allocate)
@@ -184,7 +235,9 @@ DS_Structure* Ds_get_object_table(void) {
     return objectTable;
 }
 
-DS_Structure* DS_create_type(int kind, int* status, int line, const char* file) {
+// The record comes from the C heap like every node of the kinds, so that DS_destructor and
+// callers free it alike; the caller's source position is therefore not needed.
+DS_Structure* DS_create_type(int kind, int* status, int /*line*/, const char* /*file*/) {
     VK_SET_STATUS(status, VK_NO_ERROR);
     registerBuiltinKinds();
     auto* s = static_cast<DS_Structure*>(std::malloc(sizeof(DS_Structure)));
@@ -237,7 +290,7 @@ long DS_memory_free(void** p) {
 }
 
 int DS_comparator(DS_Structure* s, void* a, void* b) {
-    return s && s->comparator ? s->comparator(a, b) : 0;
+    return s && s->comparator ? obrix::ds::callCompare(s->comparator, a, b) : 0;
 }
 
 bool DS_filter(DS_Structure* s, void* item) {
@@ -245,33 +298,11 @@ bool DS_filter(DS_Structure* s, void* item) {
 }
 
 DS_Compare_fn DS_set_comparator(DS_Structure* s, DS_Compare_fn comparator, int* status) {
-    VK_SET_STATUS(status, VK_NO_ERROR);
-    if (!s) {
-        VK_SET_STATUS(status, VK_ARGUMENT_ERROR);
-        return nullptr;
-    }
-    DS_Compare_fn previous = s->comparator;
-    if (!acceptable(comparatorRegistry, fnToItem(comparator))) {
-        VK_SET_STATUS(status, VK_ITEM_NOT_FOUND);
-        return previous;
-    }
-    s->comparator = comparator;
-    return previous;
+    return setRegistered(s, &DS_Structure::comparator, comparatorRegistry, comparator, status);
 }
 
 DS_Filter_fn DS_set_filter(DS_Structure* s, DS_Filter_fn filter, int* status) {
-    VK_SET_STATUS(status, VK_NO_ERROR);
-    if (!s) {
-        VK_SET_STATUS(status, VK_ARGUMENT_ERROR);
-        return nullptr;
-    }
-    DS_Filter_fn previous = s->filter;
-    if (!acceptable(filterRegistry, fnToItem(filter))) {
-        VK_SET_STATUS(status, VK_ITEM_NOT_FOUND);
-        return previous;
-    }
-    s->filter = filter;
-    return previous;
+    return setRegistered(s, &DS_Structure::filter, filterRegistry, filter, status);
 }
 
 long DS_register_comparator(int index, DS_Compare_fn comparator, int* status) {
@@ -283,36 +314,19 @@ long DS_register_filter(int index, DS_Filter_fn filter, int* status) {
 }
 
 DS_Compare_fn DS_get_comparator_function(int index, int* status) {
-    VK_SET_STATUS(status, VK_NO_ERROR);
-    int local = 0;
-    void* item = VK_get_id_registration(index, comparatorRegistry, &local);
-    if (!item)
-        VK_SET_STATUS(status, VK_ITEM_NOT_FOUND);
-    return itemToFn<DS_Compare_fn>(item);
+    return registeredFunction<DS_Compare_fn>(comparatorRegistry, index, status);
 }
 
 DS_Filter_fn DS_get_filter_function(int index, int* status) {
-    VK_SET_STATUS(status, VK_NO_ERROR);
-    int local = 0;
-    void* item = VK_get_id_registration(index, filterRegistry, &local);
-    if (!item)
-        VK_SET_STATUS(status, VK_ITEM_NOT_FOUND);
-    return itemToFn<DS_Filter_fn>(item);
+    return registeredFunction<DS_Filter_fn>(filterRegistry, index, status);
 }
 
 int DS_get_comparator_index(DS_Compare_fn comparator, int* status) {
-    VK_SET_STATUS(status, VK_NO_ERROR);
-    int local = 0;
-    return comparatorRegistry
-               ? VK_get_items_registration_id(fnToItem(comparator), comparatorRegistry, &local)
-               : -1;
+    return registeredIndex(comparatorRegistry, comparator, status);
 }
 
 int DS_get_filter_index(DS_Filter_fn filter, int* status) {
-    VK_SET_STATUS(status, VK_NO_ERROR);
-    int local = 0;
-    return filterRegistry ? VK_get_items_registration_id(fnToItem(filter), filterRegistry, &local)
-                          : -1;
+    return registeredIndex(filterRegistry, filter, status);
 }
 
 DS_Structure* DS_difference(DS_Structure* a, DS_Structure* b, int* status) {
@@ -425,11 +439,11 @@ void DS_print(DS_Structure*, DS_Print_fn, void*, int* status) {
     VK_SET_STATUS(status, VK_NO_ERROR);
 }
 
-int Ds_default_comparator(void* a, void* b) {
+int Ds_default_comparator(void** a, void** b) {
     if (!a || !b)
         return 0;
-    return compareUnsigned(reinterpret_cast<std::uintptr_t>(*static_cast<void**>(a)),
-                           reinterpret_cast<std::uintptr_t>(*static_cast<void**>(b)));
+    return compareUnsigned(reinterpret_cast<std::uintptr_t>(*a),
+                           reinterpret_cast<std::uintptr_t>(*b));
 }
 
 int Ds_fifo_comparator(void*, void*) {
@@ -440,11 +454,11 @@ int Ds_filo_comparator(void*, void*) {
     return -1;
 }
 
-int Ds_string_comparator(void* a, void* b) {
+int Ds_string_comparator(char** a, char** b) {
     if (!a || !b)
         return 0;
-    const char* x = *static_cast<char**>(a);
-    const char* y = *static_cast<char**>(b);
+    const char* x = *a;
+    const char* y = *b;
     if (!x || !y)
         return 0;
     // strcmp compares as unsigned char, which is the order wanted here.
@@ -452,10 +466,10 @@ int Ds_string_comparator(void* a, void* b) {
     return c == 0 ? 0 : (c > 0 ? 1 : -1);
 }
 
-int Ds_string_find(void* a, void* b) {
+int Ds_string_find(char* a, char* b) {
     if (!a || !b)
         return 0;
-    return std::strcmp(static_cast<const char*>(a), static_cast<const char*>(b)) == 0 ? 1 : 0;
+    return std::strcmp(a, b) == 0 ? 1 : 0;
 }
 
 } // extern "C"

@@ -32,7 +32,8 @@ typedef int (*DS_Filter_fn)(void* item);
 /** Find callback: non-zero when `item` (the member itself) matches `key`. */
 typedef int (*DS_Match_fn)(void* item, void* key);
 /** Walk callback, called with each visited item: positive goes on, 0 stops the walk
-    (status 10, "WALK TERMINATED"), negative stops it as failed (status 9, "WALK ERROR"). */
+    (status `VK_WALK_TERMINATED` (10)), negative stops it as failed (status `VK_WALK_ERROR`
+    (9)). */
 typedef int (*DS_Walk_fn)(void* item, void* user);
 /** Called with a member's slot (`void **`) before its node is freed; it may free the item and
     clear the slot. DS_memory_free is the usual one for plain heap items. */
@@ -63,12 +64,16 @@ typedef struct DS_Structure {
 
     | slot | operation     | result                                                          |
     |------|---------------|-----------------------------------------------------------------|
-    | 0    | walk          | members visited; -1 for a null structure or walker (status 1)   |
+    | 0    | walk          | members visited; -1 for a null structure or walker (status      |
+    |      |               | `VK_ARGUMENT_ERROR` (1))                                        |
     | 1    | enumerate     | members that pass the filter; -1 for a null structure           |
-    | 2    | add           | 1 on success (status 14 without comparator: appended); 0 with   |
-    |      |               | status 1, 3 or 16                                               |
-    | 3    | remove        | the next visible node after the removed one; null and status 12 |
-    | 4    | sort          | 1 on success; 0 with status 14 (no comparator) or 3             |
+    | 2    | add           | 1 on success (status `VK_CANNOT_SORT` (14) without comparator:  |
+    |      |               | appended); 0 with status `VK_ARGUMENT_ERROR` (1),               |
+    |      |               | `VK_MEMORY_FAULT` (3) or `VK_ITEM_FILTERED` (16)                |
+    | 3    | remove        | the next visible node after the removed one; null and status    |
+    |      |               | `VK_ITEM_NOT_FOUND` (12)                                        |
+    | 4    | sort          | 1 on success; 0 with status `VK_CANNOT_SORT` (14, no comparator)|
+    |      |               | or `VK_MEMORY_FAULT` (3)                                        |
     | 5    | merge         | new storage holding both structures' visible members            |
     | 6    | find          | first visible node that matches                                 |
     | 7    | difference    | new storage: members of the first absent from the second        |
@@ -85,8 +90,8 @@ typedef struct DS_Structure {
     | 18   | allocate      | a new, empty storage root (array kind only)                     |
     | 19   | get_type      | the kind's identifier                                           | */
 typedef struct DS_Jump_table_s {
-    /* `limit` > 0 visits at most that many members (status 11 when more remain); `from_end`
-       non-zero walks from the last member backwards. */
+    /* `limit` > 0 visits at most that many members (status `VK_WALK_INCOMPLETE` (11) when more
+       remain); `from_end` non-zero walks from the last member backwards. */
     long (*walk)(DS_Structure* s, DS_Walk_fn walker, void* user, int limit, int from_end,
                  int* status);
     int (*enumerate)(DS_Structure* s, int* status);
@@ -113,22 +118,29 @@ typedef struct DS_Jump_table_s {
 
 /* ---- kinds and structures ---- */
 
-/** Registers `table` as kind `kind`. Returns 1; 0 with status 1 (null table), 5 (a slot other
-    than intersect or allocate is empty) or 4 (negative or already registered kind; the first
+/** Registers `table` as kind `kind`. Returns 1; 0 with status `VK_ARGUMENT_ERROR` (1) for a null
+    table, `VK_INVALID_DATA` (5) when a slot other than intersect or allocate is empty, or
+    `VK_INVALID_FUNCTION` (4) for a negative or already registered kind (the first
     table stays). The library registers kinds 2, 1, 3 and 4 itself when it loads. */
 OBRIX_API long Ds_register_structure(int kind, DS_Jump_table_s* table, int* status);
 
-/** The registration table of kinds (identifier to DS_Jump_table_s), owned by the framework. */
+/** The registration table of kinds (identifier to DS_Jump_table_s), owned by the framework.
+    Its `ordered` flag is 0 after start-up: the library registers its kinds without a status
+    pointer, and an add that cannot report its status never claims to have kept the order.
+    Lookups by identifier walk the table and do not depend on the flag. */
 OBRIX_API DS_Structure* Ds_get_object_table(void);
 
 /** A new, empty structure of `kind` with comparator Ds_fifo_comparator, no filter and
     `ordered` 1; null when memory runs out. An unregistered kind gives a record without methods
     (status 0), on which the DS_* operations do nothing. `line` and `file` name the caller's
-    source position for accounting. Release with DS_destructor. */
+    source position and are not used: the record comes from the C heap (malloc), not the
+    accounted allocator, like every node of the four kinds, and is not counted by
+    MA_get_stats. Release with DS_destructor. */
 OBRIX_API DS_Structure* DS_create_type(int kind, int* status, int line, const char* file);
 
 /** Empties `*s` (see DS_empty_list), frees the record and sets `*s` to null; returns 1.
-    Null `s` gives status 1 and 0. Items are passed to `callback` and never freed otherwise. */
+    Null `s` gives status `VK_ARGUMENT_ERROR` (1) and 0. Items are passed to `callback` and never
+   freed otherwise. */
 OBRIX_API long DS_destructor(DS_Structure** s, DS_Free_fn callback, void* user, int* status);
 
 /** Frees every node of `s` (filter ignored), passing each member slot to `callback` when one
@@ -150,20 +162,23 @@ OBRIX_API int DS_comparator(DS_Structure* s, void* a, void* b);
 OBRIX_API bool DS_filter(DS_Structure* s, void* item);
 
 /** Sets `s`'s comparator and returns the previous one. Once any comparator was registered,
-    only registered ones (null included only if registered) are accepted: otherwise status 12
-    and nothing changes. Null `s`: status 1, null. Does not reorder existing members. */
+    only registered ones (null included only if registered) are accepted: otherwise status
+   `VK_ITEM_NOT_FOUND` (12) and nothing changes. Null `s`: status `VK_ARGUMENT_ERROR` (1), null.
+   Does not reorder existing members. */
 OBRIX_API DS_Compare_fn DS_set_comparator(DS_Structure* s, DS_Compare_fn comparator, int* status);
 
 /** DS_set_comparator's rule for filters, against the filter registry. */
 OBRIX_API DS_Filter_fn DS_set_filter(DS_Structure* s, DS_Filter_fn filter, int* status);
 
-/** Registers a comparator under `index`: 1, or 0 with status 4 for a negative or taken index. */
+/** Registers a comparator under `index`: 1, or 0 with status `VK_INVALID_FUNCTION` (4) for a
+ * negative or taken index. */
 OBRIX_API long DS_register_comparator(int index, DS_Compare_fn comparator, int* status);
-/** Registers a filter under `index`: 1, or 0 with status 4 for a negative or taken index. */
+/** Registers a filter under `index`: 1, or 0 with status `VK_INVALID_FUNCTION` (4) for a negative
+ * or taken index. */
 OBRIX_API long DS_register_filter(int index, DS_Filter_fn filter, int* status);
-/** The comparator registered under `index`, or null with status 12. */
+/** The comparator registered under `index`, or null with status `VK_ITEM_NOT_FOUND` (12). */
 OBRIX_API DS_Compare_fn DS_get_comparator_function(int index, int* status);
-/** The filter registered under `index`, or null with status 12. */
+/** The filter registered under `index`, or null with status `VK_ITEM_NOT_FOUND` (12). */
 OBRIX_API DS_Filter_fn DS_get_filter_function(int index, int* status);
 /** The index `comparator` was first registered under, or -1. */
 OBRIX_API int DS_get_comparator_index(DS_Compare_fn comparator, int* status);
@@ -171,11 +186,12 @@ OBRIX_API int DS_get_comparator_index(DS_Compare_fn comparator, int* status);
 OBRIX_API int DS_get_filter_index(DS_Filter_fn filter, int* status);
 
 /** A new structure of `a`'s kind, comparator and filter holding, in `a`'s order, the visible
-    members of `a` whose items are not visible members of `b`. Status 1 for a null structure
-    or one without methods, 7 when the kinds or comparators differ, 3 when memory runs out.
-    An empty result of a list or tree kind is null (status 0). The result is marked ordered only
-    when a status pointer was given, the kind did not report 14 and both inputs were ordered.
-    Cost: O(n log m). The caller destroys the result; items are shared, not copied. */
+    members of `a` whose items are not visible members of `b`. Status `VK_ARGUMENT_ERROR` (1) for a
+   null structure or one without methods, `VK_INCOMPATIBILITY` (7) when the kinds or comparators
+   differ, `VK_MEMORY_FAULT` (3) when memory runs out. An empty result of a list or tree kind is
+   null (status 0). The result is marked ordered only when a status pointer was given, the kind did
+   not report `VK_CANNOT_SORT` (14) and both inputs were ordered. Cost: O(n log m). The caller
+   destroys the result; items are shared, not copied. */
 OBRIX_API DS_Structure* DS_difference(DS_Structure* a, DS_Structure* b, int* status);
 
 /** DS_difference's rules, keeping the members of `a` that are visible members of `b`. */
@@ -188,19 +204,21 @@ OBRIX_API DS_Structure* DS_intersect(DS_Structure* a, DS_Structure* b, int* stat
 OBRIX_API DS_Structure* DS_merge(DS_Structure* a, DS_Structure* b, int* status);
 
 /** A new structure of `s`'s kind, comparator and filter holding its visible members in order,
-    each passed through `copy` when one is given (else the items are shared). Status 1 for a
-    null structure or one without methods; ordered rule as DS_difference; an empty result is an
-    empty structure. */
+    each passed through `copy` when one is given (else the items are shared). Status
+   `VK_ARGUMENT_ERROR` (1) for a null structure or one without methods; ordered rule as
+   DS_difference; an empty result is an empty structure. */
 OBRIX_API DS_Structure* DS_duplicate(DS_Structure* s, DS_Copy_fn copy, void* user, int* status);
 
 /** Removes every member for which `keep` returns 0 (every member when `keep` is null),
     passing each removed slot to `callback`. The filter and comparator are cleared through
     DS_set_filter / DS_set_comparator for the pass, so once a filter registry exists the filter
-    cannot be cleared and only visible members are considered. Returns 1; null `s`: status 1, 0. */
+    cannot be cleared and only visible members are considered. Returns 1; null `s`: status
+   `VK_ARGUMENT_ERROR` (1), 0. */
 OBRIX_API long DS_remove_unfiltered_items(DS_Structure* s, DS_Filter_fn keep, DS_Free_fn callback,
                                           void* user, int* status);
 
-/** Removes every member whose item is null; returns 1, or 0 with status 1 for null `s`. */
+/** Removes every member whose item is null; returns 1, or 0 with status `VK_ARGUMENT_ERROR` (1) for
+ * null `s`. */
 OBRIX_API long DS_remove_nulls(DS_Structure* s, int* status);
 
 /** Prints the structure through rptDebug at level 0: its address, filter, comparator, ordered
@@ -212,19 +230,31 @@ OBRIX_API void DS_print(DS_Structure* s, DS_Print_fn print, void* user, int* sta
 
 /* ---- ready-made callbacks ---- */
 
-/** Compares the items held in two member slots (`void **`) as unsigned addresses: -1, 0, 1;
-    0 when either slot address is null. */
-OBRIX_API int Ds_default_comparator(void* a, void* b);
+/** Compares the items held in two member slots as unsigned addresses: -1, 0, 1; 0 when
+    either slot address is null. It takes the slots as what they are (`void **`), so store it
+    in a DS_Compare_fn through DS_DEFAULT_COMPARATOR; the framework recognises it there and
+    calls it with its own type. */
+OBRIX_API int Ds_default_comparator(void** a, void** b);
 /** Always 1: each new member goes after every existing one (insertion order). */
 OBRIX_API int Ds_fifo_comparator(void* a, void* b);
 /** Always -1: each new member goes in front (newest first). */
 OBRIX_API int Ds_filo_comparator(void* a, void* b);
-/** Compares the strings held in two member slots (`char **`) byte by byte as unsigned
-    characters: -1, 0 or 1; 0 when either slot address is null. */
-OBRIX_API int Ds_string_comparator(void* a, void* b);
-/** Match callback for strings: 1 when `a` and `b` (`char *`) are equal strings, else 0 (also
-    when either is null). */
-OBRIX_API int Ds_string_find(void* a, void* b);
+/** Compares the strings held in two member slots byte by byte as unsigned characters: -1, 0
+    or 1; 0 when either slot address or either string is null. Store it in a DS_Compare_fn
+    through DS_STRING_COMPARATOR. */
+OBRIX_API int Ds_string_comparator(char** a, char** b);
+/** Match callback for strings: 1 when `a` and `b` are equal strings, else 0 (also when either
+    is null). Pass it where a DS_Match_fn is wanted through DS_STRING_FIND. */
+OBRIX_API int Ds_string_find(char* a, char* b);
+
+/** The ready-made callbacks above as the framework's callback types. The framework recognises
+    these values wherever it calls a comparator or a match callback and calls the functions
+    with their own argument types; other code that calls them through the callback types
+    relies on `void *`, `void **` and `char *` being passed alike, as every supported
+    platform does. */
+#define DS_DEFAULT_COMPARATOR ((DS_Compare_fn)(void (*)(void))Ds_default_comparator)
+#define DS_STRING_COMPARATOR ((DS_Compare_fn)(void (*)(void))Ds_string_comparator)
+#define DS_STRING_FIND ((DS_Match_fn)(void (*)(void))Ds_string_find)
 
 /* ---- the four kinds ----
    Each kind exports its table and its twenty operations as Ds_<kind>_<operation>, with the
@@ -275,11 +305,11 @@ typedef struct Ds_Array_storage_s {
 } Ds_Array_storage_s;
 
 /** The array kind's allocate operation: a zero-filled Ds_Array_storage_s, or null with
-    status 3. */
+    status `VK_MEMORY_FAULT` (3). */
 OBRIX_API void* Ds_array_allocate(DS_Structure* s, int* status);
 
-/** Prints "Current is %d\n" with the number of members held through AA_debug_print; status 1
-    for a null structure. */
+/** Prints "Current is %d\n" with the number of members held through AA_debug_print; status
+   `VK_ARGUMENT_ERROR` (1) for a null structure. */
 OBRIX_API void Ds_array_print_current(DS_Structure* s, int* status);
 
 OBRIX_EXTERN_C_END

@@ -17,23 +17,26 @@ typedef struct VK_Registration_s {
 } VK_Registration_s;
 
 /** Registers `item` under `id` in `*table`, creating the table when `*table` is null.
-    Returns 1; 0 with status 1 (null `table`), 4 (negative `id` or one the table holds: the
-    earlier registration stays), 3 (no memory) or the status of the table's add (16 when a
-    filter set on the table refuses the record, which is then freed). Without a status pointer
+    Returns 1; 0 with status `VK_ARGUMENT_ERROR` (1) for a null `table`,
+    `VK_INVALID_FUNCTION` (4) for a negative `id` or one the table holds (the earlier
+    registration stays), `VK_MEMORY_FAULT` (3) when memory runs out, or the status of the
+    table's add (`VK_ITEM_FILTERED` (16) when a filter set on the table refuses the record,
+    which is then freed). Without a status pointer
     a refused record still answers 1. The same item may be registered under several
     identifiers. Cost O(n). */
 OBRIX_API long VK_register_item(int id, void* item, DS_Structure** table, int* status);
 
-/** The item registered under `id`, or null when `table` is null (status 1), empty, or does not
-    hold `id` (status 0). */
+/** The item registered under `id`, or null when `table` is null (status `VK_ARGUMENT_ERROR` (1)),
+   empty, or does not hold `id` (status 0). */
 OBRIX_API void* VK_get_id_registration(int id, DS_Structure* table, int* status);
 
 /** The identifier of the first registration of `item` (pointer identity), or -1; a null
-    table gives status 1. */
+    table gives status `VK_ARGUMENT_ERROR` (1). */
 OBRIX_API int VK_get_items_registration_id(void* item, DS_Structure* table, int* status);
 
 /** Removes the first registration of `item` and frees its record: 1 when one was removed, 0
-    otherwise. Null `item` gives status 1 and 0. Also drops any member whose item slot is null. */
+    otherwise. Null `item` gives status `VK_ARGUMENT_ERROR` (1) and 0. Also drops any member whose
+   item slot is null. */
 OBRIX_API long VK_deregister_item(void* item, DS_Structure* table, int* status);
 
 /** Removes and frees every registration; the table record stays and can be reused. A null

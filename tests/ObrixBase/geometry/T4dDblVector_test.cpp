@@ -7,6 +7,7 @@
 
 #include "ObrixBase/geometry/T3dDblPoint.h"
 #include "ObrixBase/geometry/T4dDblPoint.h"
+#include "ObrixBase/geometry/TunitQuaternion.h"
 #include "tests/ObrixBase/geometry/GeometryTestUtil.h"
 
 TEST(T4dDblVector, NormIsTheSquaredLengthAndTinyVectorsStayUnnormalised) {

@@ -5,8 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include "ObrixBase/math/DoubleSymMat.h"
-#include "ObrixBase/math/DoubleTriMat.h"
 #include "ObrixBase/math/VecFunctions.h"
 #include "tests/support/MathErrorCapture.h"
 #include "tests/support/NumericTestData.h"
@@ -141,30 +139,13 @@ TEST(DoubleGenMat, IntegerProductsAndKronecker) {
     EXPECT_EQ(k(1, 2), 4);
     EXPECT_EQ(k(1, 3), 4);
     EXPECT_EQ(k(0, 1), 1);
-    const double dv[] = {2.9, -2.9, -0.5, 0.5};
-    IntGenMat truncated = toInt(DoubleGenMat(dv, 2, 2));
-    EXPECT_EQ(truncated(0, 0), 2);
-    EXPECT_EQ(truncated(1, 0), -2);
-    EXPECT_EQ(truncated(0, 1), 0);
-    EXPECT_EQ(truncated(1, 1), 0);
 }
 
-TEST(DoubleGenMat, ResizeKeepsTheTopLeftAndStreamsRoundTrip) {
+TEST(DoubleGenMat, ResizeKeepsTheTopLeftAndMalformedTextChangesNothing) {
     const double v[] = {1, 2, 3, 4, 5, 6}; // 2 x 3
     DoubleGenMat m(v, 2, 3);
     m.resize(3, 2);
     EXPECT_EQ(printed(m), "3x2 [\n1 3 \n2 4 \n0 0 \n]");
-    EXPECT_EQ(printed(DoubleGenMat()), "0x0 [\n]");
-    std::ostringstream wide;
-    wide.width(3);
-    wide << IntGenMat(1, 2, 7);
-    EXPECT_EQ(wide.str(), "1x2 [\n  7   7 \n]");
-
-    DoubleGenMat back;
-    std::istringstream in(printed(m));
-    in >> back;
-    EXPECT_FALSE(in.fail());
-    EXPECT_EQ(back, m);
     for (const char* bad :
          {"2x2 [ 1 2 3 ]", "2 2 [ 1 2 3 4 ]", "4000000000x4000000000 [ 1 ]", "1x1 [ 1 2"}) {
         DoubleGenMat kept(1, 1, 5.0);
@@ -172,82 +153,6 @@ TEST(DoubleGenMat, ResizeKeepsTheTopLeftAndStreamsRoundTrip) {
         text >> kept;
         EXPECT_TRUE(text.fail()) << bad;
         EXPECT_EQ(kept, DoubleGenMat(1, 1, 5.0)) << bad;
-    }
-}
-
-TEST(DoublePackedMat, PackingConversionsAndLeadingSubmatrices) {
-    DoubleGenMat a(3, 3, 0.0);
-    a(0, 1) = 1.0;
-    a(1, 0) = 3.0;
-    a(2, 2) = 4.0;
-    DoubleSymMat s = toSymMat(a);
-    EXPECT_EQ(s(0, 1), 2.0);
-    EXPECT_EQ(s(1, 0), 2.0);
-    EXPECT_EQ(s.dataVec()(DoubleSymMat::index(0, 1)), 2.0);
-    EXPECT_EQ(DoubleGenMat(s)(1, 0), 2.0);
-
-    DoubleLowerTriMat l = toLowerTriMat(a);
-    EXPECT_EQ(l(1, 0), 3.0);
-    EXPECT_EQ(l(0, 1), 0.0);
-    EXPECT_EQ(DoubleGenMat(l)(0, 1), 0.0);
-    DoubleUpperTriMat u = transpose(l);
-    EXPECT_EQ(u(0, 1), 3.0) << "the transpose re-labels the same storage";
-    EXPECT_EQ(u.dataVec().block(), l.dataVec().block());
-
-    MathErrorCapture capture;
-    l.bcset(0, 1, 9.0);
-    EXPECT_EQ(l(0, 1), 0.0);
-    l(0, 1) = 7.0; // writes to the constant zero change nothing
-    EXPECT_EQ(l.bcval(0, 1), 0.0);
-    u.bcset(2, 1, 1.0);
-    DoubleSymMat(2, 3);
-    DoubleLowerTriMat(DoubleVec(5, 0.0), 3, 3);
-    s.leadingSubmatrix(4);
-    EXPECT_EQ(s.leadingSubmatrix(-1).order(), 0u);
-    s.boundsCheck(3, 0);
-    EXPECT_EQ(capture.messages(),
-              (std::vector<std::string>{
-                  "Can't change element (0,1) of DoubleLowerTriMat",
-                  "Can't change element (2,1) of DoubleUpperTriMat",
-                  "2x3 matrix not square",
-                  "Wrong number of points (5) for 3x3 DoubleLowerTriMat",
-                  "cant build order 4 leading submatrix of order 3 matrix",
-                  "cant build order 4294967295 leading submatrix of order 3 matrix",
-                  "Element (3x0) not in matrix of size (3x3)",
-              }));
-    capture.clear();
-
-    DoubleSymMat lead = s.leadingSubmatrix(2);
-    lead(1, 1) = 8.0;
-    EXPECT_EQ(s(1, 1), 8.0) << "the leading block is a view";
-    s.resize(2, 2);
-    EXPECT_EQ(s.order(), 2u);
-    EXPECT_EQ(s(0, 1), 2.0);
-    EXPECT_EQ(s(1, 1), 8.0);
-    EXPECT_EQ(printed(s), "2x2 [\n0 2 \n2 8 \n]");
-    EXPECT_EQ(printed(abs(-s)), printed(s)) << "abs is fabs: -0 becomes 0";
-    EXPECT_EQ(DoubleGenMat(transpose(u).apply([](double x) { return 2 * x; }))(1, 0), 6.0);
-}
-
-TEST(DoublePackedMat, VectorProductsWalkOnlyTheStoredTriangle) {
-    std::mt19937 rng(99);
-    for (unsigned n : {0u, 1u, 2u, 5u, 9u}) {
-        const DoubleGenMat a = randomMatrix(rng, n, n);
-        const DoubleVec x = randomMatrix(rng, n, 1).col(0);
-        const DoubleSymMat s = toSymMat(a);
-        const DoubleLowerTriMat l = toLowerTriMat(a);
-        const DoubleUpperTriMat u = toUpperTriMat(a);
-        auto near = [n](const DoubleVec& got, const DoubleVec& want) {
-            ASSERT_EQ(got.length(), n);
-            for (int i = 0; i < static_cast<int>(n); ++i)
-                EXPECT_NEAR(got(i), want(i), 1e-13);
-        };
-        near(product(s, x), product(DoubleGenMat(s), x));
-        near(product(x, s), product(x, DoubleGenMat(s)));
-        near(product(l, x), product(DoubleGenMat(l), x));
-        near(product(x, l), product(x, DoubleGenMat(l)));
-        near(product(u, x), product(DoubleGenMat(u), x));
-        near(product(x, u), product(x, DoubleGenMat(u)));
     }
 }
 
@@ -283,30 +188,4 @@ TEST(DoubleGenMat, StridedStorageBehavesLikeItsCopy) {
     EXPECT_EQ(strided(1, 2), 10.0);
     EXPECT_EQ(strided(1, 3), 0.0);
     EXPECT_EQ(every(10), 10.0) << "resize leaves the old storage alone";
-}
-
-TEST(DoublePackedMat, ArithmeticActsOnStoredElementsWithTheScalarOnEitherSide) {
-    const double stored[] = {1.0, 2.0, 4.0}; // lower triangle (0,0), (1,0), (1,1)
-    DoubleLowerTriMat l(DoubleVec(stored, 3), 2, 2);
-    EXPECT_EQ(printed(2.0 - l), "2x2 [\n1 0 \n0 -2 \n]") << "the empty triangle is not stored";
-    EXPECT_EQ(printed(8.0 / l), "2x2 [\n8 0 \n4 2 \n]");
-    EXPECT_EQ(printed(1.0 + l), printed(l + 1.0));
-
-    DoubleLowerTriMat m = l.copy();
-    m *= l; // element-wise, not a matrix product
-    m /= DoubleLowerTriMat(3, 3, 2.0).leadingSubmatrix(2);
-    m += 1.0;
-    m -= 0.5;
-    EXPECT_EQ(printed(m), "2x2 [\n1 0 \n2.5 8.5 \n]");
-
-    l.ref(0, 1) = 9.0; // the constant zero of the empty triangle
-    l.ref(1, 0) = 3.0;
-    EXPECT_EQ(printed(l), "2x2 [\n1 0 \n3 4 \n]");
-    EXPECT_EQ(printed(transpose(l)), "2x2 [\n1 3 \n0 4 \n]");
-
-    MathErrorCapture capture;
-    DoubleUpperTriMat u(1, 1, 1.0);
-    u /= DoubleUpperTriMat(2, 2, 1.0);
-    ASSERT_FALSE(capture.errors().empty());
-    EXPECT_EQ(capture.messages().front(), "Matrix sizes don't match (1x1) vs (2x2)");
 }

@@ -54,3 +54,21 @@ TEST(DoubleSVDecomp, EmptyAndNonFiniteInputFail) {
     EXPECT_EQ(bad.fail(), 1);
     EXPECT_LT(bad.numSVsFound(), 3);
 }
+
+TEST(DoubleSVDecomp, ASuccessfulFactorisationLeavesEZeroForEveryShape) {
+    std::mt19937 gen(7);
+    std::uniform_real_distribution<double> entry(-1.0, 1.0);
+    const unsigned shapes[][2] = {{3, 10}, {3, 4}, {3, 5}, {10, 3}, {4, 4}, {1, 6}};
+    for (const auto& shape : shapes) {
+        DoubleGenMat a(shape[0], shape[1]);
+        for (unsigned j = 0; j < shape[1]; ++j)
+            for (unsigned i = 0; i < shape[0]; ++i)
+                a(static_cast<int>(i), static_cast<int>(j)) = entry(gen);
+        DoubleSVDecomp sv(a);
+        ASSERT_EQ(sv.good(), 1);
+        DoubleVec e = sv.eValues();
+        ASSERT_EQ(e.length(), shape[1]);
+        for (unsigned j = 0; j < e.length(); ++j)
+            EXPECT_EQ(e(static_cast<int>(j)), 0.0) << shape[0] << "x" << shape[1] << " e" << j;
+    }
+}

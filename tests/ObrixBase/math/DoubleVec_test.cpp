@@ -160,20 +160,6 @@ TEST(DoubleVecPick, GathersScattersAndChecksIndices) {
     EXPECT_EQ(capture.errors()[0].tag, MATH_TAG_PICK_CHECK);
 }
 
-TEST(DoubleVec, PrintsInTheStreamFormat) {
-    EXPECT_EQ(printed(DoubleVec()), "[  ]");
-    EXPECT_EQ(printed(DoubleVec(3, 1.0, 1.0)), "[ 1 2 3 ]");
-    EXPECT_EQ(printed(IntVec(5, 1, 1)), "[ 1 2 3 4 5 ]");
-    EXPECT_EQ(printed(IntVec(7, 1, 1)), "[\n1 2 3 4 5\n6 7\n]");
-    const int old = IntVec::setFormatting(2);
-    EXPECT_EQ(old, 5);
-    EXPECT_EQ(printed(IntVec(4, 1, 1)), "[\n1 2\n3 4\n]");
-    IntVec::setFormatting(0);
-    EXPECT_EQ(printed(IntVec(6, 1, 1)), "[\n1 2 3 4 5\n6\n]") << "below 1 means 5";
-    EXPECT_EQ(IntVec::setFormatting(5), 5);
-    EXPECT_EQ(printed(SCharVec(2, -3, 1)), "[ -3 -2 ]");
-}
-
 TEST(DoubleVec, ReadsBracketedAndBareListsAndSurvivesMalformedText) {
     struct Case {
         const char* text;
@@ -204,10 +190,6 @@ TEST(DoubleVec, ReadsBracketedAndBareListsAndSurvivesMalformedText) {
     DoubleVec back;
     text >> back;
     EXPECT_EQ(back, ramp);
-    SCharVec bytes;
-    std::istringstream small("[ -128 127 5 ]");
-    small >> bytes;
-    EXPECT_EQ(elements(bytes), (std::vector<signed char>{-128, 127, 5}));
 }
 
 TEST(DoubleVec, ArithmeticWorksThroughStrides) {

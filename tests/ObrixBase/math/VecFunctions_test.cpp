@@ -34,9 +34,6 @@ TEST(VecFunctions, SequencesAndReductionsFollowIndexOrder) {
     EXPECT_EQ(variance(vec({1, 3})), 1.0);
     EXPECT_EQ(mean(vec({1, 2, 6})), 3.0);
     EXPECT_TRUE(std::isnan(mean(DoubleVec())));
-    // Integer results have the element type and wrap.
-    const signed char big[] = {100, 100};
-    EXPECT_EQ(sum(SCharVec(big, 2)), static_cast<signed char>(-56));
     EXPECT_EQ(prod(IntVec(3, 4)), 64);
     EXPECT_EQ(dot(IntVec(3, 2), IntVec(3, 1, 1)), 12);
     EXPECT_EQ(elements(abs(SCharVec(2, -2, 3))), (std::vector<signed char>{2, 1}));
@@ -94,14 +91,10 @@ TEST(VecFunctions, VarianceNeedsTwoPointsAndGoesOnWhenAllowed) {
         (std::vector<std::string>{"[VNMATCH: DoubleVec]: Vector lengths do not match (2 vs 3)"}));
 }
 
-TEST(VecFunctions, ElementFunctionsAndTruncation) {
+TEST(VecFunctions, ElementFunctionsHaveNoDomainChecks) {
     EXPECT_EQ(elements(sqrt(vec({4, 9}))), (std::vector<double>{2, 3}));
     EXPECT_TRUE(std::isnan(log(vec({-1}))(0))) << "no domain checks";
     EXPECT_EQ(elements(pow(vec({2, 3}), vec({3, 2}))), (std::vector<double>{8, 9}));
-    EXPECT_EQ(elements(toInt(vec({2.9, -2.9, -0.5, 0.5}))), (std::vector<int>{2, -2, 0, 0}));
-    EXPECT_EQ(
-        elements(toInt(vec({notANumber, 1e300, -1e300}))),
-        (std::vector<int>{0, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}));
 }
 
 TEST(DoubleVecQueries, TolerancesIncludeEqualityAndEmptyIsEqual) {

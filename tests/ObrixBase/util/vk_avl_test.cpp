@@ -147,7 +147,7 @@ TEST(VkAvlTree, WalksVisitInOrderAndPostOrderAndStopAtTheFirstNonZeroResult) {
     EXPECT_EQ(VK_avl_postorder(root, record), 0);
     EXPECT_EQ(seen, (std::vector<int>{0, 2, 1, 4, 3}));
 
-    auto stopAtSecond = [](void* node, void* user) {
+    auto stopAtSecond = [](void*, void* user) {
         auto* count = static_cast<int*>(user);
         return ++*count == 2 ? 5 : 0;
     };

@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include "ObrixBase/auto/containers/TtupleMatrix.h"
-
 namespace {
 
 DoubleVec vec(std::initializer_list<double> values) {
@@ -37,32 +35,8 @@ TEST(TtupleVector, PointViewsWriteThroughToEverySharer) {
     EXPECT_EQ(TtupleVector(2, 2, rows).data(), vec({1, 2, 4, 5}));
 }
 
-TEST(TtupleVectorDeathTest, BadIndicesPrintTheFixedLinesAndAbort) {
+TEST(TtupleVectorDeathTest, ABadIndexPrintsTheFixedLineAndAborts) {
     TtupleVector points(3, 2, 0.0);
     EXPECT_DEATH(points[2], "\\*\\*\\*\\* Bounds checking \\( bad index, 2 \\) in FILE "
                             "auto/containers/TtupleVector.cpp LINE 36\n");
-    TtupleMatrix grid(2, 2, 3, 0.0);
-    EXPECT_DEATH(grid.bcval(2, 0), "\\( bad row, 2 \\) in FILE auto/containers/TtupleMatrix.cpp "
-                                   "LINE 37\n");
-    EXPECT_DEATH(grid.bcval(0, -1), "\\( bad column, -1 \\) in FILE "
-                                    "auto/containers/TtupleMatrix.cpp LINE 41\n");
-}
-
-TEST(TtupleMatrix, TuplesAreColumnMajorAndComponentsRoundTrip) {
-    TtupleMatrix grid(2, 2, 3, DoubleVec(12, 0.0, 1.0));
-    EXPECT_EQ(grid(1, 0), vec({2, 3}));
-    EXPECT_EQ(grid(0, 1), vec({4, 5}));
-    EXPECT_EQ(grid.row(1), vec({2, 3, 6, 7, 10, 11}));
-    EXPECT_EQ(grid.column(2), vec({8, 9, 10, 11}));
-    DoubleGenMat x = grid.component(0);
-    EXPECT_EQ(x(1, 2), 10.0);
-    x += 100.0;
-    EXPECT_EQ(grid.setComponent(0, x), 1);
-    EXPECT_EQ(grid(1, 2), vec({110, 11}));
-    EXPECT_EQ(grid.setComponent(2, x), 0);
-    TtupleMatrix picked = grid.cols(IntVec(2, 2, -2)); // columns 2 and 0
-    EXPECT_EQ(picked(0, 1), vec({100, 1}));
-    grid.bcref(0, 0)(1) = -1.0;
-    EXPECT_EQ(picked(0, 1), vec({100, 1})) << "sub-matrices are copies";
-    EXPECT_EQ(grid.rows(IntVec(1, 1)).rowVector(0).points(), 3);
 }

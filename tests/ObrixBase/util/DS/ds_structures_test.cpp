@@ -44,7 +44,8 @@ TEST(DsStructure, LibraryRegistersFourKindsWithTheListKindHoldingTheObjectTable)
     DS_Structure* table = Ds_get_object_table();
     ASSERT_NE(table, nullptr);
     EXPECT_EQ(table->methods, Ds_slist_get_methods());
-    EXPECT_EQ(table->comparator, &Ds_default_comparator);
+    EXPECT_EQ(table->comparator, DS_DEFAULT_COMPARATOR);
+    EXPECT_EQ(table->ordered, 0); // registered at load without a status pointer
     EXPECT_EQ(VK_get_id_registration(1, table, nullptr), Ds_dlist_get_methods());
     EXPECT_EQ(VK_get_id_registration(3, table, nullptr), Ds_bintree_get_methods());
     EXPECT_EQ(VK_get_id_registration(4, table, nullptr), Ds_array_get_methods());
@@ -202,15 +203,34 @@ TEST(DsStructure, ReadyMadeComparatorsAnswerMinusOneZeroOrOne) {
     EXPECT_EQ(Ds_fifo_comparator(nullptr, nullptr), 1);
     EXPECT_EQ(Ds_filo_comparator(nullptr, nullptr), -1);
 
-    const char* abc = "abc";
-    const char* abd = "abd";
-    const char* high = "\xe9";
-    EXPECT_EQ(Ds_string_comparator(&abc, &abd), -1);
-    EXPECT_EQ(Ds_string_comparator(&abd, &abc), 1);
-    EXPECT_EQ(Ds_string_comparator(&high, &abc), 1); // bytes compare unsigned
-    EXPECT_EQ(Ds_string_comparator(&abc, nullptr), 0);
-    EXPECT_EQ(Ds_string_find(const_cast<char*>("x"), const_cast<char*>("x")), 1);
-    EXPECT_EQ(Ds_string_find(const_cast<char*>("x"), nullptr), 0);
+    char abc[] = "abc", abd[] = "abd", high[] = "\xe9";
+    char *pAbc = abc, *pAbd = abd, *pHigh = high;
+    EXPECT_EQ(Ds_string_comparator(&pAbc, &pAbd), -1);
+    EXPECT_EQ(Ds_string_comparator(&pAbd, &pAbc), 1);
+    EXPECT_EQ(Ds_string_comparator(&pHigh, &pAbc), 1); // bytes compare unsigned
+    EXPECT_EQ(Ds_string_comparator(&pAbc, nullptr), 0);
+    EXPECT_EQ(Ds_string_find(abc, abc), 1);
+    EXPECT_EQ(Ds_string_find(abc, nullptr), 0);
+}
+
+TEST(DsStructure, StringCallbacksWorkThroughTheFrameworkInEveryKind) {
+    char names[][6] = {"pear", "apple", "fig", "apple"};
+    for (int kind = 1; kind <= 4; ++kind) {
+        int status = 0;
+        DS_Structure* s = DS_create_type(kind, &status, __LINE__, __FILE__);
+        DS_set_comparator(s, DS_STRING_COMPARATOR, &status);
+        for (char* name : names)
+            s->methods->add(s, name, &status);
+        std::vector<std::string> order;
+        for (void* n = s->methods->head(s, &status); n; n = s->methods->next(s, n, &status))
+            order.emplace_back(static_cast<char*>(s->methods->get_data(n, &status)));
+        EXPECT_EQ(order, (std::vector<std::string>{"apple", "apple", "fig", "pear"})) << kind;
+        char key[] = "fig";
+        void* found = s->methods->find(s, DS_STRING_FIND, key, &status);
+        ASSERT_NE(found, nullptr) << kind;
+        EXPECT_EQ(s->methods->get_data(found, &status), names[2]) << kind;
+        DS_destructor(&s, nullptr, nullptr, &status);
+    }
 }
 
 // The comparator and filter registries are process-wide and never shrink, so these run in a
@@ -233,7 +253,7 @@ TEST(DsStructureDeathTest, RegisteredCallbacksBecomeTheOnlyAcceptedOnes) {
             ok &= DS_register_comparator(0, &Ds_filo_comparator, &status) == 1;
             ok &= DS_register_comparator(0, &Ds_fifo_comparator, &status) == 0 &&
                   status == VK_INVALID_FUNCTION;
-            ok &= DS_set_comparator(s, &Ds_default_comparator, &status) == &Ds_fifo_comparator &&
+            ok &= DS_set_comparator(s, DS_DEFAULT_COMPARATOR, &status) == &Ds_fifo_comparator &&
                   status == VK_ITEM_NOT_FOUND && s->comparator == &Ds_fifo_comparator;
             ok &= DS_set_comparator(s, &Ds_filo_comparator, &status) == &Ds_fifo_comparator &&
                   status == 0 && s->comparator == &Ds_filo_comparator;
