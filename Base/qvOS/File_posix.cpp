@@ -9,8 +9,8 @@
 
 namespace qvOS::detail {
 
-qvUtil::Error renameFile(const qvString::CString& from, const qvString::CString& to,
-                         bool overwrite, bool& crossDevice) {
+qvUtil::Error renameFile(const qvString::CString& from, const qvString::CString& to, bool overwrite,
+                         bool& crossDevice) {
     crossDevice = false;
     const char* what = "Cannot move";
 #ifdef RENAME_NOREPLACE

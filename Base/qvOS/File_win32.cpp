@@ -6,8 +6,8 @@
 
 namespace qvOS::detail {
 
-qvUtil::Error renameFile(const qvString::CString& from, const qvString::CString& to,
-                         bool overwrite, bool& crossDevice) {
+qvUtil::Error renameFile(const qvString::CString& from, const qvString::CString& to, bool overwrite,
+                         bool& crossDevice) {
     crossDevice = false;
     // Without MOVEFILE_REPLACE_EXISTING the system itself refuses an existing target, in the
     // same step as the rename.

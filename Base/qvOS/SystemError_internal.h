@@ -66,8 +66,8 @@ bool isValidEnvName(const char* name) noexcept;
 /// Renames from to to (both files of one file system). overwrite false: an existing target is
 /// an AlreadyExists error, decided by the system atomically where it can. crossDevice is set
 /// when the two lie on different file systems (then the caller copies).
-qvUtil::Error renameFile(const qvString::CString& from, const qvString::CString& to,
-                         bool overwrite, bool& crossDevice);
+qvUtil::Error renameFile(const qvString::CString& from, const qvString::CString& to, bool overwrite,
+                         bool& crossDevice);
 
 } // namespace qvOS::detail
 
