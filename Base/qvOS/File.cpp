@@ -120,7 +120,9 @@ qvUtil::Error fileCopy(const CString& from, const CString& to, bool overwrite) {
         return detail::fromErrorCode(what, bothPaths(from, to), ec);
     }
     bool crossDevice = false;
-    qvUtil::Error e = detail::renameFile(temporary, to, overwrite, crossDevice);
+    qvUtil::Error e = detail::syncFile(temporary);
+    if (e.isOk())
+        e = detail::renameFile(temporary, to, overwrite, crossDevice);
     if (e.isError()) {
         std::error_code ignored;
         fs::remove(detail::toPath(temporary), ignored);
