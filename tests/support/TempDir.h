@@ -46,7 +46,9 @@ public:
     TempDir(const TempDir&) = delete;
     TempDir& operator=(const TempDir&) = delete;
 
-    const qvString::CString& path() const { return path_; }
+    const qvString::CString& path() const {
+        return path_;
+    }
     /// path() joined with name.
     qvString::CString operator/(const qvString::CString& name) const {
         return qvOS::Filename::join(path_, name);

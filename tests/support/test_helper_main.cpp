@@ -74,5 +74,7 @@ int wmain(int argc, wchar_t** wargv) {
     return run(argc, argv.data());
 }
 #else
-int main(int argc, char** argv) { return run(argc, argv); }
+int main(int argc, char** argv) {
+    return run(argc, argv);
+}
 #endif

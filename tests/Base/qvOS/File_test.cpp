@@ -72,6 +72,17 @@ TEST(File, CopyWritesTheBytesLeavesNoTemporaryAndHonoursTheOverwriteFlag) {
 
     ASSERT_TRUE(qvOS::fileCopy(from, to, true).isOk());
     EXPECT_EQ(TempDir::read(to), "second");
+
+    // A read-only source copies too (the copy keeps its permissions).
+    namespace fs = std::filesystem;
+    TempDir::write(tmp / "ro", "locked");
+    fs::permissions(TempDir::fsPath(tmp / "ro"), fs::perms::owner_read);
+    EXPECT_TRUE(qvOS::fileCopy(tmp / "ro", tmp / "ro2", false).isOk());
+    EXPECT_EQ(TempDir::read(tmp / "ro2"), "locked");
+    for (const char* name : {"ro", "ro2"}) {
+        fs::permissions(TempDir::fsPath(tmp / name), fs::perms::owner_all);
+        ASSERT_TRUE(qvOS::fileDelete(tmp / name).isOk());
+    }
     EXPECT_EQ(namesIn(tmp.path()),
               (std::set<std::string>{"s\xc3\xa9lection \xe6\x97\xa5.txt", "copie \xc3\xa9.txt"}));
 }

@@ -21,7 +21,11 @@ TEST(Filename, JoinNeverDoublesOrDropsTheSeparator) {
 }
 
 TEST(Filename, DirectoryAndBaseSplitAtTheLastSeparatorAndKeepTheRoot) {
-    struct Case { const char* path; const char* dir; const char* base; };
+    struct Case {
+        const char* path;
+        const char* dir;
+        const char* base;
+    };
     for (const Case& c : {Case{"/a/b/c.txt", "/a/b", "c.txt"}, Case{"/x", "/", "x"},
                           Case{"name", "", "name"}, Case{"d/", "d", ""}, Case{"", "", ""}}) {
         EXPECT_EQ(Filename::directory(c.path), c.dir) << c.path;

@@ -18,7 +18,9 @@ using qvString::CString;
 
 namespace {
 
-CString helper() { return qvOS::AppMain::getBinaryPath("obrix_test_helper"); }
+CString helper() {
+    return qvOS::AppMain::getBinaryPath("obrix_test_helper");
+}
 
 TEST(AppMain, FindsHelpersBesideTheTestsAndHonoursTheOverride) {
     CString exe = qvOS::AppMain::getExecutablePath();
@@ -33,9 +35,9 @@ TEST(AppMain, FindsHelpersBesideTheTestsAndHonoursTheOverride) {
 
     // A missing helper still names a path beside the executable, so starting it says so.
     EXPECT_EQ(qvOS::AppMain::getBinaryPath("no_such_helper"),
-              qvOS::Filename::join(qvOS::Filename::directory(exe),
-                                   qvOS::Filename::hasDrives() ? "no_such_helper.exe"
-                                                               : "no_such_helper"));
+              qvOS::Filename::join(qvOS::Filename::directory(exe), qvOS::Filename::hasDrives()
+                                                                       ? "no_such_helper.exe"
+                                                                       : "no_such_helper"));
     EXPECT_EQ(qvOS::AppMain::getBinaryPath(nullptr), "");
 
     obrixtest::TempDir tmp;
@@ -86,15 +88,16 @@ TEST(ProcessManager, MissingProgramsFailAtOnce) {
     obrixtest::TempDir tmp;
     ProcessResult result;
     auto start = std::chrono::steady_clock::now();
-    qvUtil::Error e = ProcessManager::runSync(tmp / "no_such_program", {}, ProcessOptions{}, result);
+    qvUtil::Error e =
+        ProcessManager::runSync(tmp / "no_such_program", {}, ProcessOptions{}, result);
     EXPECT_EQ(e.code(), qvOS::OSError::NotFound) << e.message();
     EXPECT_NE(e.message().find("no_such_program"), std::string::npos) << e.message();
     qvOS::ProcessId pid = 0;
     EXPECT_EQ(ProcessManager::startAsync(tmp / "no_such_program", {}, "", &pid).code(),
               qvOS::OSError::NotFound);
     EXPECT_EQ(ProcessManager::startAsync("", {}, "", &pid).code(), qvOS::OSError::InvalidArgument);
-    EXPECT_TRUE(ProcessManager::startAsync(helper(), {"exit", "0"}, tmp / "no_such_dir", &pid)
-                    .isError());
+    EXPECT_TRUE(
+        ProcessManager::startAsync(helper(), {"exit", "0"}, tmp / "no_such_dir", &pid).isError());
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
 }
 
@@ -148,6 +151,7 @@ TEST(ProcessManager, AsyncChildrenAreWaitedForKilledAndForgotten) {
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     EXPECT_FALSE(ProcessManager::isAlive(pid));
     EXPECT_TRUE(ProcessManager::isAlive(ProcessManager::currentId()));
+    EXPECT_EQ(ProcessManager::kill(0x7ffffff0).code(), qvOS::OSError::NotFound);
 }
 
 } // namespace
