@@ -123,8 +123,9 @@ OBRIX_API DS_Structure* Ds_get_object_table(void);
 
 /** A new, empty structure of `kind` with comparator Ds_fifo_comparator, no filter and
     `ordered` 1; null when memory runs out. An unregistered kind gives a record without methods
-    (status 0), on which the DS_* operations do nothing. `line` and `file` name the caller's
-    source position for accounting. Release with DS_destructor. */
+    (status 0), on which the DS_* operations do nothing. `line` and `file` are accepted and
+    unused: structure records come from the C heap (the heap rule in ma_memory_manager.h).
+    Release with DS_destructor. */
 OBRIX_API DS_Structure* DS_create_type(int kind, int* status, int line, const char* file);
 
 /** Empties `*s` (see DS_empty_list), frees the record and sets `*s` to null; returns 1.
