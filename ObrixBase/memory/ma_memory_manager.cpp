@@ -6,6 +6,7 @@
 #include <cstring>
 #include <vector>
 
+#include "Base/qvOS/Env.h"
 #include "Base/rpt/rpt.h"
 // The debug printer allocates its file entries here, and the report prints through it: the
 // two sit together at the bottom of the library.
@@ -183,8 +184,8 @@ bool growSlots() {
     std::free(old);
     if (!oldCapacity) {
         // The first use of the allocator decides on the exit report.
-        const char* want = std::getenv("OBRIX_MA_REPORT");
-        if (want && *want && std::strcmp(want, "0") != 0)
+        qvString::CString want;
+        if (qvOS::GetEnv("OBRIX_MA_REPORT", want) && !want.empty() && want != "0")
             std::atexit(atExitReport);
     }
     return true;

@@ -106,6 +106,61 @@ OBRIX_API size_t MA_get_site_stats(MA_Site_stats* sites, size_t capacity);
     the number of live blocks. */
 OBRIX_API size_t MA_report(void);
 
+/* ---- mapped scratch memory: large temporary buffers mapped from the system, outside the
+   heap. Each region is zero-filled, page-aligned, released whole and counted apart from the
+   heap. ---- */
+
+/** Where a mapped region's pages live. */
+typedef enum MA_Mmap_backing {
+    MA_MMAP_ANONYMOUS = 0, /**< the system's swap-backed memory */
+    MA_MMAP_TEMP_FILE = 1  /**< a file in the system's temporary directory, deleted on release */
+} MA_Mmap_backing;
+
+/** Counts of the mapped regions. */
+typedef struct MA_Mmap_stats {
+    size_t live_bytes;    /**< bytes of regions not yet released */
+    size_t live_regions;  /**< regions not yet released */
+    size_t peak_bytes;    /**< the highest live_bytes seen */
+    size_t total_regions; /**< every region ever mapped */
+} MA_Mmap_stats;
+
+/** A new region of `size` bytes, or null: for a size of 0, an unknown backing, or when the
+    system refuses (the reason is reported with rptError). */
+OBRIX_API void* Ma_allocMmapMemory(size_t size, MA_Mmap_backing backing);
+
+/** Unmaps a region from Ma_allocMmapMemory (and deletes its file); returns 1, or 0 for null or
+    a pointer that is not the start of a live region (nothing happens then). */
+OBRIX_API int Ma_freeMmapMemory(void* region);
+
+/** The size a region was asked for; 0 for null or a pointer that is not a live region. */
+OBRIX_API size_t Ma_mmapMemorySize(const void* region);
+
+/** Copies the mapped regions' counts to `*stats`; a null `stats` is ignored. */
+OBRIX_API void Ma_getMmapStats(MA_Mmap_stats* stats);
+
+/* ---- what the system has: thin readings of the platform's figures ---- */
+
+/** The machine's memory, in bytes. Virtual memory is this process's address space (Windows:
+    its user part; elsewhere its address-space limit, or the architecture's user space when
+    unlimited) and what of it the process has not reserved. */
+typedef struct MA_System_memory {
+    uint64_t physical_total;
+    uint64_t physical_available;
+    uint64_t virtual_total;
+    uint64_t virtual_available;
+    uint64_t swap_total;
+    uint64_t swap_free;
+} MA_System_memory;
+
+/** Fills `*memory`; returns 1, or 0 (and reports the reason with rptError) when the system
+    does not answer. A null `memory` gives 0. */
+OBRIX_API int Ma_getSystemMemory(MA_System_memory* memory);
+
+/** The free and total bytes of the disk that holds `path`; returns 1, or 0 (reported with
+    rptError) for a path the system cannot query (it must exist). A null path gives 0; either output may
+    be null when not wanted. */
+OBRIX_API int Ma_getDiskSpace(const char* path, uint64_t* free_bytes, uint64_t* total_bytes);
+
 OBRIX_EXTERN_C_END
 
 #endif
