@@ -157,8 +157,8 @@ typedef struct MA_System_memory {
 OBRIX_API int Ma_getSystemMemory(MA_System_memory* memory);
 
 /** The free and total bytes of the disk that holds `path`; returns 1, or 0 (reported with
-    rptError) for a path the system cannot query (it must exist). A null path gives 0; either output may
-    be null when not wanted. */
+    rptError) for a path the system cannot query (it must exist). A null path gives 0; either
+    output may be null when not wanted. */
 OBRIX_API int Ma_getDiskSpace(const char* path, uint64_t* free_bytes, uint64_t* total_bytes);
 
 OBRIX_EXTERN_C_END
