@@ -17,15 +17,18 @@
    Double and foreign frees. Every live block is recorded in a side table (an open-addressed
    hash set keyed by address, holding the block's size and site), so MA_free knows its own
    blocks without touching them. A pointer that is not in the table was either released
-   already or never came from here: the addresses of the last 1024 releases are remembered,
-   and a pointer among them is a double free (reported with rptError, counted, and not
-   released again); any other pointer is a foreign block (counted, reported with rptDebug at
-   level 1, and released with free). When the C heap hands a released address to a plain
-   malloc caller who then gives it to MA_free, that block is taken for a double free and kept.
+   already or never came from here. Recent releases are remembered (512 addresses, one per
+   hash slot, a newer release evicting an older one): a pointer among them is a double free,
+   reported with rptError, counted and not released again. Any other pointer is a foreign
+   block: counted, reported with rptDebug at level 1 and released with free (so a double free
+   whose address has been evicted reaches the C runtime, which may stop the process). When the
+   C heap hands a released address to a plain malloc caller who gives it to MA_free, that
+   block is taken for a double free and kept.
 
-   Process-wide and unguarded, like the rest of the library: call it from one thread. Setting
-   the environment variable OBRIX_MA_REPORT to anything but "" or "0" prints MA_report when the
-   process exits. */
+   The table holds 16 bytes per slot and is kept at most half full: 32 to 64 bytes per live
+   block, off the blocks themselves. Process-wide and unguarded, like the rest of the library:
+   call it from one thread. Setting the environment variable OBRIX_MA_REPORT to anything but
+   "" or "0" prints MA_report when the process exits. */
 #ifndef OBRIX_MEMORY_MA_MEMORY_MANAGER_H
 #define OBRIX_MEMORY_MA_MEMORY_MANAGER_H
 
