@@ -106,14 +106,20 @@ bool lowerAscii(const Core& core, char* out, std::size_t capacity) {
 }
 
 bool isSmallWord(const Core& core) {
-    static const char* const small[] = {
-        "a",    "an", "the",  "and", "but", "or", "nor",  "for", "so", "yet",  "as",  "at", "by",
-        "from", "in", "into", "of",  "off", "on", "onto", "per", "to", "upon", "via", "vs", "with"};
+    // By length, so that most words (five letters and more) are settled by one comparison.
+    static const char* const byLength[5][11] = {
+        {},
+        {"a"},
+        {"an", "or", "so", "as", "at", "by", "in", "of", "on", "to", "vs"},
+        {"the", "and", "but", "nor", "for", "yet", "off", "per", "via"},
+        {"from", "into", "onto", "upon", "with"},
+    };
+    const std::ptrdiff_t n = core.end - core.begin;
     char lower[8];
-    if (!lowerAscii(core, lower, sizeof lower))
+    if (n > 4 || !lowerAscii(core, lower, sizeof lower))
         return false;
-    for (const char* word : small)
-        if (std::strcmp(lower, word) == 0)
+    for (const char* word : byLength[n])
+        if (word && std::strcmp(lower, word) == 0)
             return true;
     return false;
 }
@@ -179,9 +185,10 @@ qvString::CString capitalise(std::string_view text, Style style) {
                 starts = true;
             return;
         }
+        const bool endsPart = endsWithMark(begin, wordEnd, style == Style::Title ? ":?!" : ".?!");
         bool isLast = false;
         if (style == Style::Title) {
-            isLast = endsWithMark(begin, wordEnd, ":?!");
+            isLast = endsPart;
             Byte* next = wordEnd;
             while (next < end && classify(next, end).kind == Kind::Space)
                 ++next;
@@ -212,7 +219,7 @@ qvString::CString capitalise(std::string_view text, Style style) {
         if (isLast && !lastCore.capitalInside)
             setCase(lastCore.begin, classify(lastCore.begin, end).kind, Kind::Upper);
         // A word of punctuation alone ("--") leaves the opening to the word after it.
-        starts = starts || endsWithMark(begin, wordEnd, style == Style::Title ? ":?!" : ".?!");
+        starts = starts || endsPart;
     });
     return out;
 }
