@@ -380,64 +380,78 @@ void MA_reset_peak(void) {
 }
 
 size_t MA_get_site_stats(MA_Site_stats* out, size_t capacity) {
-    // The same file name can reach here through several pointers (one per translation unit
-    // that names it), so sites are merged by the name's text.
-    std::vector<MA_Site_stats> merged;
-    merged.reserve(siteCount);
-    for (std::uint32_t s = 0; s < siteCount; ++s) {
-        const Site& site = sites[s];
-        if (!site.totalBlocks)
-            continue;
-        merged.push_back(MA_Site_stats{site.file, site.line, site.liveBytes, site.liveBlocks,
-                                       site.peakBytes, site.totalBlocks});
-    }
-    auto byPlace = [](const MA_Site_stats& a, const MA_Site_stats& b) {
-        const int order = std::strcmp(a.file, b.file);
-        return order != 0 ? order < 0 : a.line < b.line;
-    };
-    std::sort(merged.begin(), merged.end(), byPlace);
-    std::size_t n = 0;
-    for (std::size_t i = 0; i < merged.size(); ++i) {
-        if (n && !byPlace(merged[n - 1], merged[i])) {
-            MA_Site_stats& into = merged[n - 1];
-            into.live_bytes += merged[i].live_bytes;
-            into.live_blocks += merged[i].live_blocks;
-            into.peak_bytes += merged[i].peak_bytes; // peaks of the parts may not coincide
-            into.total_blocks += merged[i].total_blocks;
-        } else {
-            merged[n++] = merged[i];
+    // The C interface never throws: running out of memory for the scratch lists gives 0.
+    try {
+        // The same file name can reach here through several pointers (one per translation unit
+        // that names it), so sites are merged by the name's text.
+        std::vector<MA_Site_stats> merged;
+        merged.reserve(siteCount);
+        for (std::uint32_t s = 0; s < siteCount; ++s) {
+            const Site& site = sites[s];
+            if (!site.totalBlocks)
+                continue;
+            merged.push_back(MA_Site_stats{site.file, site.line, site.liveBytes, site.liveBlocks,
+                                           site.peakBytes, site.totalBlocks});
         }
+        auto byPlace = [](const MA_Site_stats& a, const MA_Site_stats& b) {
+            const int order = std::strcmp(a.file, b.file);
+            return order != 0 ? order < 0 : a.line < b.line;
+        };
+        std::sort(merged.begin(), merged.end(), byPlace);
+        std::size_t n = 0;
+        for (std::size_t i = 0; i < merged.size(); ++i) {
+            if (n && !byPlace(merged[n - 1], merged[i])) {
+                MA_Site_stats& into = merged[n - 1];
+                into.live_bytes += merged[i].live_bytes;
+                into.live_blocks += merged[i].live_blocks;
+                into.peak_bytes += merged[i].peak_bytes; // peaks of the parts may not coincide
+                into.total_blocks += merged[i].total_blocks;
+            } else {
+                merged[n++] = merged[i];
+            }
+        }
+        merged.resize(n);
+        std::stable_sort(merged.begin(), merged.end(),
+                         [](const auto& a, const auto& b) { return a.live_bytes > b.live_bytes; });
+        if (out)
+            std::copy_n(merged.begin(), std::min(capacity, merged.size()), out);
+        return merged.size();
+    } catch (...) {
+        return 0;
     }
-    merged.resize(n);
-    std::stable_sort(merged.begin(), merged.end(),
-                     [](const auto& a, const auto& b) { return a.live_bytes > b.live_bytes; });
-    if (out)
-        std::copy_n(merged.begin(), std::min(capacity, merged.size()), out);
-    return merged.size();
 }
 
 size_t MA_report(void) {
-    std::vector<MA_Site_stats> all(MA_get_site_stats(nullptr, 0));
-    all.resize(MA_get_site_stats(all.data(), all.size()));
-    const MA_Stats now = stats;
-    AA_indent();
-    AA_debug_print("Accounted memory: %zu bytes live in %zu blocks (peak %zu bytes in %zu "
-                   "blocks)\n",
-                   now.live_bytes, now.live_blocks, now.peak_bytes, now.peak_blocks);
-    for (const MA_Site_stats& site : all) {
-        if (!site.live_blocks)
-            continue;
+    // As MA_get_site_stats: nothing is printed when the site list cannot be had.
+    try {
+        std::vector<MA_Site_stats> all(MA_get_site_stats(nullptr, 0));
+        all.resize(MA_get_site_stats(all.data(), all.size()));
+        const MA_Stats now = stats;
+        // %llu, not %zu: the Windows runtime's printf checks do not know 'z'.
+        auto u = [](size_t n) { return static_cast<unsigned long long>(n); };
         AA_indent();
-        AA_debug_print("   %s:%d: %zu bytes in %zu blocks (peak %zu bytes, %zu allocated)\n",
-                       site.file, site.line, site.live_bytes, site.live_blocks, site.peak_bytes,
-                       site.total_blocks);
+        AA_debug_print("Accounted memory: %llu bytes live in %llu blocks (peak %llu bytes in %llu "
+                       "blocks)\n",
+                       u(now.live_bytes), u(now.live_blocks), u(now.peak_bytes),
+                       u(now.peak_blocks));
+        for (const MA_Site_stats& site : all) {
+            if (!site.live_blocks)
+                continue;
+            AA_indent();
+            AA_debug_print(
+                "   %s:%d: %llu bytes in %llu blocks (peak %llu bytes, %llu allocated)\n",
+                site.file, site.line, u(site.live_bytes), u(site.live_blocks), u(site.peak_bytes),
+                u(site.total_blocks));
+        }
+        if (now.double_frees || now.foreign_frees) {
+            AA_indent();
+            AA_debug_print("Double frees: %llu, foreign frees: %llu\n", u(now.double_frees),
+                           u(now.foreign_frees));
+        }
+        return now.live_blocks;
+    } catch (...) {
+        return 0;
     }
-    if (now.double_frees || now.foreign_frees) {
-        AA_indent();
-        AA_debug_print("Double frees: %zu, foreign frees: %zu\n", now.double_frees,
-                       now.foreign_frees);
-    }
-    return now.live_blocks;
 }
 
 } // extern "C"

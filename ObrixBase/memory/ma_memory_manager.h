@@ -105,7 +105,7 @@ OBRIX_API size_t MA_get_site_stats(MA_Site_stats* sites, size_t capacity);
     (AA_debug_print), one line each:
         "Accounted memory: 96 bytes live in 2 blocks (peak 4192 bytes in 5 blocks)\n"
         "   anim/an_anim_list.cpp:163: 64 bytes in 2 blocks (peak 128 bytes, 4 allocated)\n"
-    followed by "Double frees: %zu, foreign frees: %zu\n" when either is non-zero. Returns
+    followed by "Double frees: 1, foreign frees: 0\n" when either count is non-zero. Returns
     the number of live blocks. */
 OBRIX_API size_t MA_report(void);
 

@@ -32,49 +32,64 @@ MA_Mmap_stats mmapStats{};
 extern "C" {
 
 void* Ma_allocMmapMemory(size_t size, MA_Mmap_backing backing) {
-    if (size == 0 || (backing != MA_MMAP_ANONYMOUS && backing != MA_MMAP_TEMP_FILE))
+    // The C interface never throws: a region that cannot be recorded is not handed out.
+    try {
+        if (size == 0 || (backing != MA_MMAP_ANONYMOUS && backing != MA_MMAP_TEMP_FILE))
+            return nullptr;
+        Region region;
+        region.size = size;
+        qvUtil::Error error;
+        if (backing == MA_MMAP_ANONYMOUS) {
+            error = region.mapping.createAnonymous(size);
+        } else {
+            const qvString::CString path = qvOS::Filename::join(
+                qvOS::tempDirectory(), "obrix-scratch-" + qvOS::Uuid().asString() + ".tmp");
+            error = region.mapping.createFile(path, size);
+            if (error.isError())
+                (void)qvOS::fileDelete(path); // a file created before the mapping failed
+        }
+        if (error.isError()) {
+            rptError("Ma_allocMmapMemory: cannot map %llu bytes: %s\n",
+                     static_cast<unsigned long long>(size), error.message().c_str());
+            return nullptr;
+        }
+        void* start = region.mapping.data();
+        regions().emplace(start, std::move(region));
+        mmapStats.live_bytes += size;
+        mmapStats.live_regions += 1;
+        mmapStats.total_regions += 1;
+        if (mmapStats.live_bytes > mmapStats.peak_bytes)
+            mmapStats.peak_bytes = mmapStats.live_bytes;
+        return start;
+    } catch (...) {
         return nullptr;
-    Region region;
-    region.size = size;
-    qvUtil::Error error;
-    if (backing == MA_MMAP_ANONYMOUS) {
-        error = region.mapping.createAnonymous(size);
-    } else {
-        const qvString::CString path = qvOS::Filename::join(
-            qvOS::tempDirectory(), "obrix-scratch-" + qvOS::Uuid().asString() + ".tmp");
-        error = region.mapping.createFile(path, size);
-        if (error.isError())
-            (void)qvOS::fileDelete(path); // a file created before the mapping failed
     }
-    if (error.isError()) {
-        rptError("Ma_allocMmapMemory: cannot map %zu bytes: %s\n", size, error.message().c_str());
-        return nullptr;
-    }
-    void* start = region.mapping.data();
-    regions().emplace(start, std::move(region));
-    mmapStats.live_bytes += size;
-    mmapStats.live_regions += 1;
-    mmapStats.total_regions += 1;
-    if (mmapStats.live_bytes > mmapStats.peak_bytes)
-        mmapStats.peak_bytes = mmapStats.live_bytes;
-    return start;
 }
 
 int Ma_freeMmapMemory(void* start) {
     auto found = regions().find(start);
     if (!start || found == regions().end())
         return 0;
-    Region& region = found->second;
-    const qvString::CString path = region.mapping.path();
-    region.mapping.unmap();
-    if (!path.empty()) {
-        const qvUtil::Error error = qvOS::fileDelete(path);
-        if (error.isError())
-            rptError("Ma_freeMmapMemory: %s\n", error.message().c_str());
+    // The C interface never throws: copying the path is the one step that may, and it comes
+    // before anything changes.
+    qvString::CString path;
+    try {
+        path = found->second.mapping.path();
+    } catch (...) {
+        return 0;
     }
-    mmapStats.live_bytes -= region.size;
+    mmapStats.live_bytes -= found->second.size;
     mmapStats.live_regions -= 1;
-    regions().erase(found);
+    regions().erase(found); // unmaps
+    if (!path.empty()) {
+        try {
+            const qvUtil::Error error = qvOS::fileDelete(path);
+            if (error.isError())
+                rptError("Ma_freeMmapMemory: %s\n", error.message().c_str());
+        } catch (...) {
+            // the region is released; only its file is left behind in the temporary directory
+        }
+    }
     return 1;
 }
 
