@@ -72,6 +72,10 @@
 #include "ObrixBase/auto/containers/TtupleVector.h"
 #include "ObrixBase/auto/containers/TtupleMatrix.h"
 
+/* ---- fonts and text ---- */
+#include "ObrixBase/text/FontProperties.h"
+#include "ObrixBase/text/Capitalisation.h"
+
 /* ---- application state ---- */
 #include "ObrixBase/state/VeskoBehaviour.h"
 

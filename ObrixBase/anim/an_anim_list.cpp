@@ -5,6 +5,7 @@
 
 #include "ObrixBase/memory/ma_memory_manager.h"
 #include "ObrixBase/util/aa_debug.h"
+#include "ObrixBase/util/vk_list.h"
 #include "ObrixBase/util/vk_ll.h"
 
 namespace {
@@ -220,13 +221,14 @@ long An_sort_item_list(An_Item_list_s** head, long unique) {
         node = node->next;
     }
     MA_free(records);
-    // The nodes past the last one written held the skipped duplicates. They come from
-    // MA_malloc, whose blocks carry an accounting header, so they go back through MA_free:
-    // VK_list_delete would hand them to the C runtime's free.
+    // The nodes past the last one written held the skipped duplicates. VK_list_delete hands
+    // them to the C runtime's free, which takes accounted blocks; they leave the accounting
+    // first so that the live counts stay exact.
+    auto** cells = reinterpret_cast<VK_List**>(head);
     while (node) {
         An_Item_list_s* next = node->next;
-        VK_ll_remove(head, node);
-        MA_free(node);
+        MA_forget(node);
+        VK_list_delete(cells, reinterpret_cast<VK_List*>(node));
         node = next;
     }
     return 1;

@@ -2,7 +2,9 @@
    (AN_Animtron_s: a type number and an opaque data pointer) in a DS_Structure, at most one
    item per data pointer; An_* keeps (type, item, data) nodes on an intrusive list, with sorting
    and an optional duplicate-free insertion. Records come from the accounted allocator
-   (MA_malloc), so release them with the routines here or with MA_free, never with free. */
+   (MA_malloc) and are plain C heap blocks: the routines here, MA_free and free all release
+   them (VK_list_delete_all empties an An_* list; the blocks then stay counted as live, see
+   ma_memory_manager.h). */
 #ifndef OBRIX_ANIM_AN_ANIM_LIST_H
 #define OBRIX_ANIM_AN_ANIM_LIST_H
 
@@ -88,7 +90,8 @@ OBRIX_API int An_compareItemList(const void* a, const void* b);
 OBRIX_API int An_compareItem(const void* a, const void* b);
 /// Sorts the nodes' (type, item, data) by ascending item address, in place; equal items keep
 /// no guaranteed order. With `unique` non-zero every item is kept once (the first of its run
-/// in the sorted order) and the nodes left over at the end are freed. Returns 1; 0 for a null
+/// in the sorted order) and the nodes left over at the end are deleted with VK_list_delete
+/// (the C runtime's free; they leave the accounting first). Returns 1; 0 for a null
 /// address, an empty list or when memory runs out (the list is then unchanged). O(n log n).
 OBRIX_API long An_sort_item_list(An_Item_list_s** head, long unique);
 /// Frees every node and sets `*head` to null; a null address is ignored. The items and data

@@ -1,30 +1,231 @@
 #include "ObrixBase/memory/ma_memory_manager.h"
 
-#include <cstddef>
+#include <algorithm>
+#include <cstdint>
 #include <cstdlib>
+#include <cstring>
+#include <vector>
+
+#include "Base/qvOS/Env.h"
+#include "Base/rpt/rpt.h"
+// The debug printer allocates its file entries here, and the report prints through it: the
+// two sit together at the bottom of the library.
+#include "ObrixBase/util/aa_debug.h"
 
 namespace {
 
-// Each block carries its requested size in a header one max_align_t wide, so that the user
-// part keeps malloc's alignment and MA_free can take the size off the live count.
-constexpr size_t kHeader = alignof(std::max_align_t) > sizeof(size_t) ? alignof(std::max_align_t)
-                                                                      : sizeof(size_t);
+// All state is plain data reached through pointers that are never freed: MA_free may be
+// called from other libraries' static destructors, after this file's own would have run.
 
-// Process-wide and unguarded, like the rest of the library's state: the modelling thread
-// is the only caller.
+// ---- call sites ----------------------------------------------------------------------------
+
+struct Site {
+    const char* file;
+    int line;
+    size_t liveBytes, liveBlocks, peakBytes, totalBlocks;
+};
+
+// Site 0 takes every allocation once the 16-bit site numbers run out.
+constexpr std::uint32_t kMaxSites = 0xFFFF;
+const char kOverflowFile[] = "(other sites)";
+const char kUnknownFile[] = "(unknown)";
+
+Site* sites = nullptr; // sites[0 .. siteCount)
+std::uint32_t siteCount = 0;
+std::uint32_t siteCapacity = 0;
+std::uint32_t* siteIndex = nullptr; // open-addressed (file, line) -> site number + 1
+std::uint32_t siteIndexMask = 0;
+
+// Most loops allocate from one line over and over: the last site answers without hashing.
+const char* lastFile = nullptr;
+int lastLine = 0;
+std::uint32_t lastSite = 0;
+
+std::uint64_t mix(std::uint64_t x) {
+    x *= 0x9E3779B97F4A7C15ull;
+    return x ^ (x >> 29);
+}
+
+std::uint64_t siteHash(const char* file, int line) {
+    return mix(reinterpret_cast<std::uintptr_t>(file) ^
+               (static_cast<std::uint64_t>(static_cast<unsigned>(line)) << 40));
+}
+
+bool growSiteIndex() {
+    const std::uint32_t capacity = siteIndexMask ? (siteIndexMask + 1) * 2 : 256;
+    auto* grown = static_cast<std::uint32_t*>(std::calloc(capacity, sizeof(std::uint32_t)));
+    if (!grown)
+        return false;
+    for (std::uint32_t s = 1; s < siteCount; ++s) {
+        std::uint64_t i = siteHash(sites[s].file, sites[s].line) & (capacity - 1);
+        while (grown[i])
+            i = (i + 1) & (capacity - 1);
+        grown[i] = s + 1;
+    }
+    std::free(siteIndex);
+    siteIndex = grown;
+    siteIndexMask = capacity - 1;
+    return true;
+}
+
+// The site of (file, line); a new one the first time. Falls back to site 0 when the sites
+// cannot grow, so that allocation never fails for the accounting's sake.
+std::uint32_t slowSiteFor(const char* file, int line) {
+    if (!sites) {
+        sites = static_cast<Site*>(std::calloc(64, sizeof(Site)));
+        if (!sites)
+            return 0;
+        siteCapacity = 64;
+        sites[0].file = kOverflowFile;
+        siteCount = 1;
+    }
+    if (siteIndexMask) {
+        for (std::uint64_t i = siteHash(file, line) & siteIndexMask; siteIndex[i];
+             i = (i + 1) & siteIndexMask) {
+            const Site& s = sites[siteIndex[i] - 1];
+            if (s.file == file && s.line == line)
+                return siteIndex[i] - 1;
+        }
+    }
+    if (siteCount >= kMaxSites)
+        return 0;
+    if ((siteCount + 1) * 2 > siteIndexMask + 1 && !growSiteIndex())
+        return 0;
+    if (siteCount == siteCapacity) {
+        auto* grown = static_cast<Site*>(std::realloc(sites, sizeof(Site) * siteCapacity * 2));
+        if (!grown)
+            return 0;
+        sites = grown;
+        siteCapacity *= 2;
+    }
+    const std::uint32_t number = siteCount++;
+    sites[number] = Site{file, line, 0, 0, 0, 0};
+    std::uint64_t i = siteHash(file, line) & siteIndexMask;
+    while (siteIndex[i])
+        i = (i + 1) & siteIndexMask;
+    siteIndex[i] = number + 1;
+    return number;
+}
+
+inline std::uint32_t siteFor(const char* file, int line) {
+    if (!file)
+        file = kUnknownFile;
+    if (file == lastFile && line == lastLine)
+        return lastSite;
+    lastSite = slowSiteFor(file, line);
+    lastFile = file;
+    lastLine = line;
+    return lastSite;
+}
+
+// ---- live blocks ---------------------------------------------------------------------------
+
+// A live block: its address, and its size and site packed as size << 16 | site. Sizes fit in
+// 48 bits on every 64-bit system (and trivially on 32-bit ones).
+struct Slot {
+    std::uintptr_t key; // 0: empty
+    std::uint64_t sizeAndSite;
+};
+
+// Larger requests fail at once: no system gives a process 256 TiB, and the packing needs it.
+constexpr std::size_t kMaxRequest = static_cast<std::size_t>((std::uint64_t{1} << 48) - 1);
+
+Slot* slots = nullptr;
+std::size_t slotMask = 0;
+std::size_t slotsUsed = 0;
+
 MA_Stats stats{};
 
-} // namespace
+inline std::size_t homeOf(std::uintptr_t key) {
+    return static_cast<std::size_t>(mix(key >> 4)) & slotMask;
+}
 
-extern "C" {
+inline std::size_t sizeOf(std::uint64_t packed) {
+    return static_cast<std::size_t>(packed >> 16);
+}
+inline std::uint32_t siteOf(std::uint64_t packed) {
+    return static_cast<std::uint32_t>(packed & 0xFFFF);
+}
 
-void* MA_malloc(size_t size, int, const char*, ...) {
-    if (size > static_cast<size_t>(-1) - kHeader)
-        return nullptr;
-    auto* raw = static_cast<unsigned char*>(std::malloc(size + kHeader));
-    if (!raw)
-        return nullptr;
-    *reinterpret_cast<size_t*>(raw) = size;
+// The addresses of the latest releases, direct-mapped, to tell a double free from a foreign
+// block. An address that MA_* hands out again needs no clearing here: a live block is found in
+// the table before this is consulted. Kept small (5 KiB) so that it stays in the first-level
+// cache beside the table.
+constexpr std::size_t kReleasedCount = 512;
+std::uintptr_t releasedKeys[kReleasedCount];
+std::uint16_t releasedSites[kReleasedCount];
+
+inline std::size_t releasedIndex(std::uintptr_t key) {
+    return static_cast<std::size_t>(mix(key >> 4) >> 55); // the top 9 bits
+}
+
+void atExitReport() {
+    MA_report();
+}
+
+bool growSlots() {
+    const std::size_t capacity = slotMask ? (slotMask + 1) * 2 : 1024;
+    auto* grown = static_cast<Slot*>(std::calloc(capacity, sizeof(Slot)));
+    if (!grown)
+        return false;
+    Slot* old = slots;
+    const std::size_t oldCapacity = slotMask ? slotMask + 1 : 0;
+    slots = grown;
+    slotMask = capacity - 1;
+    for (std::size_t i = 0; i < oldCapacity; ++i) {
+        if (!old[i].key)
+            continue;
+        std::size_t j = homeOf(old[i].key);
+        while (slots[j].key)
+            j = (j + 1) & slotMask;
+        slots[j] = old[i];
+    }
+    std::free(old);
+    if (!oldCapacity) {
+        // The first use of the allocator decides on the exit report.
+        qvString::CString want;
+        if (qvOS::GetEnv("OBRIX_MA_REPORT", want) && !want.empty() && want != "0")
+            std::atexit(atExitReport);
+    }
+    return true;
+}
+
+// Room for one more block, the table kept at most half full so that probes stay short. Made
+// before the C heap is asked, so that a block once allocated can always be recorded; false
+// when the allocator's own records cannot be had (the caller's allocation then fails).
+inline bool reserveSlot() {
+    return sites && ((slotsUsed + 1) * 2 <= slotMask + 1 || growSlots());
+}
+
+inline void countRelease(std::uint64_t packed) {
+    const std::size_t size = sizeOf(packed);
+    Site& site = sites[siteOf(packed)];
+    site.liveBytes -= size;
+    site.liveBlocks -= 1;
+    stats.live_bytes -= size;
+    stats.live_blocks -= 1;
+}
+
+// Records a block the C heap has just handed out. An address still in the table belonged to
+// a block released behind the allocator's back (with free): that one is retired now.
+void record(void* block, std::size_t size, std::uint32_t siteNumber) {
+    const auto key = reinterpret_cast<std::uintptr_t>(block);
+    const std::uint64_t packed = (static_cast<std::uint64_t>(size) << 16) | siteNumber;
+    std::size_t i = homeOf(key);
+    while (slots[i].key && slots[i].key != key)
+        i = (i + 1) & slotMask;
+    if (slots[i].key)
+        countRelease(slots[i].sizeAndSite);
+    else
+        ++slotsUsed;
+    slots[i] = Slot{key, packed};
+
+    Site& site = sites[siteNumber];
+    site.liveBytes += size;
+    site.liveBlocks += 1;
+    site.totalBlocks += 1;
+    if (site.liveBytes > site.peakBytes)
+        site.peakBytes = site.liveBytes;
     stats.live_bytes += size;
     stats.live_blocks += 1;
     stats.total_blocks += 1;
@@ -32,16 +233,138 @@ void* MA_malloc(size_t size, int, const char*, ...) {
         stats.peak_bytes = stats.live_bytes;
     if (stats.live_blocks > stats.peak_blocks)
         stats.peak_blocks = stats.live_blocks;
-    return raw + kHeader;
+}
+
+inline Slot* find(const void* block) {
+    if (!slots)
+        return nullptr;
+    const auto key = reinterpret_cast<std::uintptr_t>(block);
+    for (std::size_t i = homeOf(key); slots[i].key; i = (i + 1) & slotMask)
+        if (slots[i].key == key)
+            return &slots[i];
+    return nullptr;
+}
+
+// Removes a slot by shifting its successors back (linear probing without tombstones), so that
+// a long-running process never accumulates dead slots.
+void erase(Slot* slot) {
+    std::size_t hole = static_cast<std::size_t>(slot - slots);
+    for (std::size_t j = (hole + 1) & slotMask; slots[j].key; j = (j + 1) & slotMask) {
+        const std::size_t home = homeOf(slots[j].key);
+        // The entry at j may fill the hole unless its home lies cyclically in (hole, j].
+        const bool stays = hole <= j ? (hole < home && home <= j) : (hole < home || home <= j);
+        if (!stays) {
+            slots[hole] = slots[j];
+            hole = j;
+        }
+    }
+    slots[hole].key = 0;
+    --slotsUsed;
+}
+
+// Takes a counted block out of the table and remembers its address as released.
+void release(Slot* slot) {
+    countRelease(slot->sizeAndSite);
+    const std::size_t r = releasedIndex(slot->key);
+    releasedKeys[r] = slot->key;
+    releasedSites[r] = static_cast<std::uint16_t>(siteOf(slot->sizeAndSite));
+    erase(slot);
+}
+
+// A pointer that is not counted here: a double free when released lately, else foreign.
+bool isDoubleFree(const void* block, const char* what) {
+    const auto key = reinterpret_cast<std::uintptr_t>(block);
+    const std::size_t r = releasedIndex(key);
+    if (releasedKeys[r] != key)
+        return false;
+    ++stats.double_frees;
+    const Site& site = sites[releasedSites[r]];
+    rptError("%s: block %p (from %s:%d) was released already; it is left alone\n", what, block,
+             site.file, site.line);
+    return true;
+}
+
+} // namespace
+
+extern "C" {
+
+void* MA_malloc(size_t size, int line, const char* file, ...) {
+    if (size > kMaxRequest)
+        return nullptr;
+    const std::uint32_t site = siteFor(file, line);
+    if (!reserveSlot())
+        return nullptr;
+    void* block = std::malloc(size ? size : 1);
+    if (block)
+        record(block, size, site);
+    return block;
+}
+
+void* MA_calloc(size_t count, size_t size, int line, const char* file) {
+    if (size && count > kMaxRequest / size)
+        return nullptr;
+    const std::uint32_t site = siteFor(file, line);
+    if (!reserveSlot())
+        return nullptr;
+    void* block = count && size ? std::calloc(count, size) : std::calloc(1, 1);
+    if (block)
+        record(block, count * size, site);
+    return block;
+}
+
+void* MA_realloc(void* block, size_t size, int line, const char* file) {
+    if (!block)
+        return MA_malloc(size, line, file);
+    if (size > kMaxRequest)
+        return nullptr;
+    const std::uint32_t site = siteFor(file, line);
+    if (!reserveSlot())
+        return nullptr;
+    Slot* slot = find(block);
+    if (!slot && isDoubleFree(block, "MA_realloc"))
+        return nullptr;
+    void* moved = std::realloc(block, size ? size : 1);
+    if (!moved)
+        return nullptr;
+    // realloc has not touched the table, so the slot found above is still the block's.
+    if (slot)
+        release(slot);
+    record(moved, size, site);
+    return moved;
+}
+
+char* MA_strdup(const char* text, int line, const char* file) {
+    if (!text)
+        return nullptr;
+    const size_t length = std::strlen(text) + 1;
+    auto* copy = static_cast<char*>(MA_malloc(length, line, file));
+    if (copy)
+        std::memcpy(copy, text, length);
+    return copy;
 }
 
 void MA_free(void* block) {
     if (!block)
         return;
-    auto* raw = static_cast<unsigned char*>(block) - kHeader;
-    stats.live_bytes -= *reinterpret_cast<size_t*>(raw);
-    stats.live_blocks -= 1;
-    std::free(raw);
+    if (Slot* slot = find(block)) {
+        release(slot);
+        std::free(block);
+        return;
+    }
+    if (isDoubleFree(block, "MA_free"))
+        return;
+    ++stats.foreign_frees;
+    rptDebug(1, "MA_free: block %p did not come from the accounted allocator\n", block);
+    std::free(block);
+}
+
+int MA_forget(void* block) {
+    Slot* slot = find(block);
+    if (!slot)
+        return 0;
+    countRelease(slot->sizeAndSite);
+    erase(slot);
+    return 1;
 }
 
 void MA_get_stats(MA_Stats* out) {
@@ -52,6 +375,83 @@ void MA_get_stats(MA_Stats* out) {
 void MA_reset_peak(void) {
     stats.peak_bytes = stats.live_bytes;
     stats.peak_blocks = stats.live_blocks;
+    for (std::uint32_t s = 0; s < siteCount; ++s)
+        sites[s].peakBytes = sites[s].liveBytes;
+}
+
+size_t MA_get_site_stats(MA_Site_stats* out, size_t capacity) {
+    // The C interface never throws: running out of memory for the scratch lists gives 0.
+    try {
+        // The same file name can reach here through several pointers (one per translation unit
+        // that names it), so sites are merged by the name's text.
+        std::vector<MA_Site_stats> merged;
+        merged.reserve(siteCount);
+        for (std::uint32_t s = 0; s < siteCount; ++s) {
+            const Site& site = sites[s];
+            if (!site.totalBlocks)
+                continue;
+            merged.push_back(MA_Site_stats{site.file, site.line, site.liveBytes, site.liveBlocks,
+                                           site.peakBytes, site.totalBlocks});
+        }
+        auto byPlace = [](const MA_Site_stats& a, const MA_Site_stats& b) {
+            const int order = std::strcmp(a.file, b.file);
+            return order != 0 ? order < 0 : a.line < b.line;
+        };
+        std::sort(merged.begin(), merged.end(), byPlace);
+        std::size_t n = 0;
+        for (std::size_t i = 0; i < merged.size(); ++i) {
+            if (n && !byPlace(merged[n - 1], merged[i])) {
+                MA_Site_stats& into = merged[n - 1];
+                into.live_bytes += merged[i].live_bytes;
+                into.live_blocks += merged[i].live_blocks;
+                into.peak_bytes += merged[i].peak_bytes; // peaks of the parts may not coincide
+                into.total_blocks += merged[i].total_blocks;
+            } else {
+                merged[n++] = merged[i];
+            }
+        }
+        merged.resize(n);
+        std::stable_sort(merged.begin(), merged.end(),
+                         [](const auto& a, const auto& b) { return a.live_bytes > b.live_bytes; });
+        if (out)
+            std::copy_n(merged.begin(), std::min(capacity, merged.size()), out);
+        return merged.size();
+    } catch (...) {
+        return 0;
+    }
+}
+
+size_t MA_report(void) {
+    // As MA_get_site_stats: nothing is printed when the site list cannot be had.
+    try {
+        std::vector<MA_Site_stats> all(MA_get_site_stats(nullptr, 0));
+        all.resize(MA_get_site_stats(all.data(), all.size()));
+        const MA_Stats now = stats;
+        // %llu, not %zu: the Windows runtime's printf checks do not know 'z'.
+        auto u = [](size_t n) { return static_cast<unsigned long long>(n); };
+        AA_indent();
+        AA_debug_print("Accounted memory: %llu bytes live in %llu blocks (peak %llu bytes in %llu "
+                       "blocks)\n",
+                       u(now.live_bytes), u(now.live_blocks), u(now.peak_bytes),
+                       u(now.peak_blocks));
+        for (const MA_Site_stats& site : all) {
+            if (!site.live_blocks)
+                continue;
+            AA_indent();
+            AA_debug_print(
+                "   %s:%d: %llu bytes in %llu blocks (peak %llu bytes, %llu allocated)\n",
+                site.file, site.line, u(site.live_bytes), u(site.live_blocks), u(site.peak_bytes),
+                u(site.total_blocks));
+        }
+        if (now.double_frees || now.foreign_frees) {
+            AA_indent();
+            AA_debug_print("Double frees: %llu, foreign frees: %llu\n", u(now.double_frees),
+                           u(now.foreign_frees));
+        }
+        return now.live_blocks;
+    } catch (...) {
+        return 0;
+    }
 }
 
 } // extern "C"

@@ -133,8 +133,8 @@ OBRIX_API DS_Structure* Ds_get_object_table(void);
 /** A new, empty structure of `kind` with comparator Ds_fifo_comparator, no filter and
     `ordered` 1; null when memory runs out. An unregistered kind gives a record without methods
     (status 0), on which the DS_* operations do nothing. `line` and `file` name the caller's
-    source position and are not used: the record comes from the C heap (malloc), not the
-    accounted allocator, like every node of the four kinds, and is not counted by
+    source position and are not used: the record comes from the C heap (malloc), like every
+    node of the four kinds (the heap rule in ma_memory_manager.h), and is not counted by
     MA_get_stats. Release with DS_destructor. */
 OBRIX_API DS_Structure* DS_create_type(int kind, int* status, int line, const char* file);
 

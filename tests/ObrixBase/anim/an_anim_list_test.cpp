@@ -9,6 +9,7 @@
 
 #include "ObrixBase/memory/ma_memory_manager.h"
 #include "ObrixBase/util/aa_debug.h"
+#include "ObrixBase/util/vk_list.h"
 #include "tests/support/ContainerVerifiers.h"
 
 namespace {
@@ -123,4 +124,17 @@ TEST(AnItemList, SortingByItemCanDropRepeatedItems) {
     An_free_item_list(&head);
     EXPECT_EQ(head, nullptr);
     EXPECT_EQ(liveBlocks(), before);
+}
+
+TEST(AnItemList, NodesAreCHeapBlocksThatCellListRoutinesMayDelete) {
+    const size_t before = liveBlocks();
+    int a = 0, b = 0, c = 0;
+    An_Item_list_s* head = nullptr;
+    for (int* item : {&a, &b, &c})
+        ASSERT_EQ(An_add_to_item_list(1, item, nullptr, &head), 1);
+    auto** cells = reinterpret_cast<VK_List**>(&head);
+    VK_list_delete_all(cells); // free() on each node: no header may sit in front of it
+    EXPECT_EQ(head, nullptr);
+    // Blocks released behind the allocator's back stay counted; nothing goes negative.
+    EXPECT_EQ(liveBlocks(), before + 3);
 }
