@@ -10,7 +10,6 @@
 #include "Base/rpt/rpt.h"
 // The debug printer allocates its file entries here, and the report prints through it: the
 // two sit together at the bottom of the library.
-#include "ObrixBase/util/aa_debug.h"
 
 namespace {
 
@@ -416,39 +415,6 @@ size_t MA_get_site_stats(MA_Site_stats* out, size_t capacity) {
         if (out)
             std::copy_n(merged.begin(), std::min(capacity, merged.size()), out);
         return merged.size();
-    } catch (...) {
-        return 0;
-    }
-}
-
-size_t MA_report(void) {
-    // As MA_get_site_stats: nothing is printed when the site list cannot be had.
-    try {
-        std::vector<MA_Site_stats> all(MA_get_site_stats(nullptr, 0));
-        all.resize(MA_get_site_stats(all.data(), all.size()));
-        const MA_Stats now = stats;
-        // %llu, not %zu: the Windows runtime's printf checks do not know 'z'.
-        auto u = [](size_t n) { return static_cast<unsigned long long>(n); };
-        AA_indent();
-        AA_debug_print("Accounted memory: %llu bytes live in %llu blocks (peak %llu bytes in %llu "
-                       "blocks)\n",
-                       u(now.live_bytes), u(now.live_blocks), u(now.peak_bytes),
-                       u(now.peak_blocks));
-        for (const MA_Site_stats& site : all) {
-            if (!site.live_blocks)
-                continue;
-            AA_indent();
-            AA_debug_print(
-                "   %s:%d: %llu bytes in %llu blocks (peak %llu bytes, %llu allocated)\n",
-                site.file, site.line, u(site.live_bytes), u(site.live_blocks), u(site.peak_bytes),
-                u(site.total_blocks));
-        }
-        if (now.double_frees || now.foreign_frees) {
-            AA_indent();
-            AA_debug_print("Double frees: %llu, foreign frees: %llu\n", u(now.double_frees),
-                           u(now.foreign_frees));
-        }
-        return now.live_blocks;
     } catch (...) {
         return 0;
     }
