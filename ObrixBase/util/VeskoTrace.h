@@ -45,12 +45,16 @@ public:
         std::uint32_t reserved1;       ///< 0
         std::int64_t writerProcess;    ///< id of the process that made the ring
     };
-    static constexpr std::uint32_t FileMagic = 0x43525456; ///< the bytes "VTRC"
-    static constexpr std::uint16_t FileVersion = 1;
-    /// The largest data area initialize accepts (positions are 32-bit in the header).
-    static constexpr std::uint64_t MaxRingBytes = std::uint64_t(1) << 30;
-    /// Longest line, prefix included, without its terminating zero.
-    static constexpr unsigned MaxLineLength = 252;
+    // Enumerators rather than static data: callers may bind them to references (as test macros
+    // do) without needing a definition exported from the shared library.
+    enum : std::uint32_t {
+        FileMagic = 0x43525456, ///< the bytes "VTRC"
+        FileVersion = 1,
+        /// The largest data area initialize accepts (positions are 32-bit in the header).
+        MaxRingBytes = 1u << 30,
+        /// Longest line, prefix included, without its terminating zero.
+        MaxLineLength = 252,
+    };
 
     /// What recover found besides the records.
     struct RecoverResult {

@@ -78,7 +78,9 @@ TEST(VeskoTraceCrash, KilledWriterLeavesEveryWholeRecordReadable) {
         const qvUtil::Error waited = qvOS::ProcessManager::wait(pid, 30, ended);
         ASSERT_TRUE(killed.isOk()) << killed.message();
         ASSERT_TRUE(waited.isOk()) << waited.message();
-        ASSERT_TRUE(ended.crashed) << "the writer ended by itself, code " << ended.exitCode;
+        // The writer ends by itself only with 1, 2 or 3 (Windows reports a kill as a code).
+        ASSERT_TRUE(ended.crashed || ended.exitCode < 1 || ended.exitCode > 3)
+            << "the writer ended by itself, code " << ended.exitCode;
         ASSERT_GE(seen.sequence, 50u) << "the writer never got going";
 
         VeskoTrace::RecoverResult result;

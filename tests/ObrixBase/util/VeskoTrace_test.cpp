@@ -4,7 +4,6 @@
 #include <ctime>
 #include <deque>
 #include <filesystem>
-#include <fstream>
 #include <random>
 #include <string>
 #include <vector>
@@ -16,6 +15,7 @@
 #include "tests/support/TempDir.h"
 
 namespace fs = std::filesystem;
+using obrix::test::collectText;
 using obrix::test::recordsOf;
 using obrix::test::ringRecords;
 using obrixtest::TempDir;
@@ -32,37 +32,32 @@ std::string messageOf(const std::string& line) {
 }
 
 std::vector<std::string> dumpedMessages() {
-    std::vector<std::string> messages;
-    for (const std::string& line : ringRecords())
-        messages.push_back(messageOf(line));
+    std::vector<std::string> messages = ringRecords();
+    for (std::string& line : messages)
+        line = messageOf(line);
     return messages;
 }
 
 // The ring as a list of records, each with its place: a record lives until a later one
-// covers any of its bytes.
+// covers any of its bytes, and only the oldest may be covered.
 struct RingModel {
     struct Record {
         std::uint32_t position, length;
         std::string message;
     };
-    std::uint32_t size = 0;
-    std::uint32_t write = 0;
+    std::uint32_t size = 0, write = 0;
     std::deque<Record> records;
 
     void append(const std::string& message) {
-        const auto textLength = std::uint32_t(DebugPrefix + message.size());
-        std::uint32_t length = (textLength + 1 + 1) / 2 * 2 + 2;
+        std::uint32_t length = std::uint32_t(DebugPrefix + message.size() + 2) / 2 * 2 + 2;
         if (size - write - length < 256)
             length = size - write;
         const std::uint32_t end = write + length;
-        for (auto it = records.begin(); it != records.end();) {
-            if (it->position < end && write < it->position + it->length) {
-                ASSERT_TRUE(it == records.begin()) << "only the oldest records may be covered";
-                it = records.erase(it);
-            } else {
-                ++it;
-            }
-        }
+        while (!records.empty() && records.front().position < end &&
+               write < records.front().position + records.front().length)
+            records.pop_front();
+        for (const Record& r : records)
+            EXPECT_FALSE(r.position < end && write < r.position + r.length) << r.message;
         records.push_back({write, length, message});
         write = end == size ? 0 : end;
     }
@@ -76,67 +71,41 @@ struct RingModel {
 
 } // namespace
 
-TEST(VeskoTrace, RingSizeIsAtLeast512AndAMultipleOf256) {
+TEST(VeskoTrace, RingSizeIsRoundedAndEachTraceCallNeedsItsLevel) {
     TempDir dir;
-    for (auto [asked, expected] : {std::pair{0, 512},
-                                   {100, 512},
-                                   {511, 512},
-                                   {512, 512},
-                                   {513, 768},
-                                   {1000, 1024},
-                                   {1024, 1024}}) {
-        ASSERT_TRUE(VeskoTrace::initialize(dir.path().c_str(), asked, 1));
+    for (auto [asked, expected] :
+         {std::pair{0, 512}, {100, 512}, {513, 768}, {1000, 1024}, {1024, 1024}}) {
+        ASSERT_TRUE(VeskoTrace::initialize(dir.path().c_str(), asked, 2));
         const std::string bytes = TempDir::read(VeskoTrace::ringFile());
-        VeskoTrace::FileHeader header;
-        std::memcpy(&header, bytes.data(), sizeof header);
-        EXPECT_EQ(header.ringBytes, std::uint32_t(expected)) << "asked " << asked;
-        EXPECT_EQ(bytes.size(), sizeof header + expected);
+        EXPECT_EQ(bytes.size(), 64u + expected) << "asked " << asked;
         const std::string name = fs::path(VeskoTrace::ringFile().c_str()).filename().string();
-        EXPECT_EQ(name.substr(0, 11), "VeskoTrace-");
-        EXPECT_EQ(name.size(), 11 + 36 + 4) << name;
+        EXPECT_EQ(name.substr(0, 11) + name.substr(47), "VeskoTrace-.dat") << name;
     }
-    EXPECT_FALSE(VeskoTrace::initialize(nullptr, 512, 1));
     EXPECT_FALSE(VeskoTrace::initialize(dir.path().c_str(), VeskoTrace::MaxRingBytes + 1, 1));
     EXPECT_FALSE(VeskoTrace::initialize((dir.path() + "/missing").c_str(), 512, 1));
-    VeskoTrace::finalize();
-}
 
-TEST(VeskoTrace, EachTraceCallNeedsItsLevel) {
-    TempDir dir;
-    ASSERT_TRUE(VeskoTrace::initialize(dir.path().c_str(), 4096, 2));
-    EXPECT_TRUE(VeskoTrace::enabled() && VeskoTrace::enabled(2) && !VeskoTrace::enabled(3));
     VeskoTrace::trace1(VeskoTrace::Picking, "one");
     VeskoTrace::trace2(VeskoTrace::UI, "two %d", 2);
     VeskoTrace::trace3(VeskoTrace::Undo, "three");
     VeskoTrace::trace4(VeskoTrace::Undo, "four");
-    const std::vector<std::string> lines = ringRecords();
-    ASSERT_EQ(lines.size(), 2u);
-    EXPECT_EQ(lines[0].substr(19), " <Picking> one");
-    EXPECT_EQ(lines[1].substr(19), " <UI> two 2");
-
-    // The date is local time with the month counted from 1.
-    int year, month, day, hour, minute, second;
-    ASSERT_EQ(std::sscanf(lines[0].c_str(), "%4d/%2d/%2d %2d:%2d:%2d", &year, &month, &day, &hour,
-                          &minute, &second),
-              6);
-    const std::time_t now = std::time(nullptr);
-    const std::tm local = *std::localtime(&now);
-    EXPECT_EQ(year, local.tm_year + 1900);
-    EXPECT_EQ(month, local.tm_mon + 1);
-
     VeskoTrace::finalize();
     VeskoTrace::trace1(VeskoTrace::Picking, "after finalize");
-    EXPECT_EQ(ringRecords().size(), 2u) << "finalize keeps the ring but stops tracing";
+    const std::vector<std::string> lines = ringRecords();
+    ASSERT_EQ(lines.size(), 2u);
+    EXPECT_EQ(lines[1].substr(19), " <UI> two 2");
+    // Local time, the month counted from 1.
+    const std::time_t now = std::time(nullptr);
+    const std::tm t = *std::localtime(&now);
+    char date[32];
+    std::snprintf(date, sizeof date, "%d/%02d/", t.tm_year + 1900, t.tm_mon + 1);
+    EXPECT_EQ(lines[0].substr(0, 8) + lines[0].substr(19), date + std::string(" <Picking> one"));
 }
 
 TEST(VeskoTrace, MessagesAreStoredOnOneLineAndCutAtTheLimit) {
     TempDir dir;
     ASSERT_TRUE(VeskoTrace::initialize(dir.path().c_str(), 1 << 16, 1));
-    const std::string atLimit(MaxDebugMessage, 'L');
-    const std::string tenKilobytes(10240, 'K');
-    struct Case {
-        std::string message, stored;
-    } cases[] = {
+    const std::string atLimit(MaxDebugMessage, 'L'), tenKilobytes(10240, 'K');
+    const std::pair<std::string, std::string> cases[] = {
         {"one\ntwo\n", "one two "},
         {"crlf\r\nend", "crlf\r end"},
         {"", ""},
@@ -146,17 +115,19 @@ TEST(VeskoTrace, MessagesAreStoredOnOneLineAndCutAtTheLimit) {
         {"caf\xc3\xa9 \xff\x01\x7f", "caf\xc3\xa9 \xff\x01\x7f"},
     };
     std::vector<std::string> expected;
-    for (const Case& c : cases) {
-        VeskoTrace::trace1(VeskoTrace::Debug, "%s", c.message.c_str());
-        expected.push_back(c.stored);
+    for (const auto& [message, stored] : cases) {
+        VeskoTrace::trace1(VeskoTrace::Debug, "%s", message.c_str());
+        expected.push_back(stored);
     }
     EXPECT_EQ(dumpedMessages(), expected);
-    EXPECT_EQ(ringRecords()[3].size(), VeskoTrace::MaxLineLength);
-
-    // A wide character that the C locale cannot convert makes the formatting fail.
+    EXPECT_EQ(ringRecords()[3].size(), std::size_t(VeskoTrace::MaxLineLength));
+#ifndef _WIN32
+    // A wide character that the C locale cannot convert makes the formatting fail. (mingw's
+    // printf writes nothing for it instead, and knows no other failure to provoke.)
     const wchar_t unconvertible[] = {wchar_t(0x4e2d), 0};
     VeskoTrace::trace1(VeskoTrace::Debug, "dropped %ls", unconvertible);
     EXPECT_EQ(dumpedMessages(), expected);
+#endif
     VeskoTrace::finalize();
 }
 
@@ -275,39 +246,21 @@ TEST(VeskoTrace, RecoverRefusesWhatIsNoIntactRing) {
     const std::string good = TempDir::read(VeskoTrace::ringFile());
     VeskoTrace::finalize();
     std::vector<std::string> lines;
-    auto collect = [](void* c, const char* t) {
-        static_cast<std::vector<std::string>*>(c)->push_back(t);
+    auto recover = [&](std::string image, std::size_t at, char byte) {
+        image[at] = byte;
+        return VeskoTrace::recover(image.data(), image.size(), collectText, &lines).message();
     };
-
-    EXPECT_TRUE(VeskoTrace::recover((dir.path() + "/none.dat").c_str(), collect, &lines).isError());
-    EXPECT_TRUE(VeskoTrace::recover(good.data(), 63, collect, &lines).isError());
-    std::string other = good;
-    other[0] = 'X';
-    EXPECT_EQ(VeskoTrace::recover(other.data(), other.size(), collect, &lines).message(),
-              "image is not a trace ring");
-    other = good;
-    other[4] = 9;
-    EXPECT_EQ(VeskoTrace::recover(other.data(), other.size(), collect, &lines).message(),
+    EXPECT_EQ(recover(good, 0, 'X'), "image is not a trace ring");
+    EXPECT_EQ(recover(good, 4, 9),
               "Trace ring image has format version 9; this library reads version 1");
-    EXPECT_TRUE(VeskoTrace::recover(good.data(), good.size() - 1, collect, &lines).isError());
+    EXPECT_TRUE(VeskoTrace::recover(good.data(), good.size() - 1, collectText, &lines).isError());
     EXPECT_TRUE(lines.empty());
-
-    // A damaged third record: the two before it come back with the error.
-    std::string damaged = good;
-    auto lengthAt = [&](std::size_t offset) {
-        return std::size_t(std::uint8_t(good[offset])) | std::size_t(std::uint8_t(good[offset + 1]))
-                                                             << 8;
-    };
-    const std::size_t second = 64 + lengthAt(64);
-    const std::size_t third = second + lengthAt(second);
-    damaged[third] = 3;
-    VeskoTrace::RecoverResult result;
-    const qvUtil::Error error =
-        VeskoTrace::recover(damaged.data(), damaged.size(), collect, &lines, &result);
-    EXPECT_EQ(error.message(),
+    // A damaged third record: the two before it still come back, with the error.
+    const auto lengthAt = [&](std::size_t at) { return std::size_t(std::uint8_t(good[at])); };
+    const std::size_t third = 64 + lengthAt(64) + lengthAt(64 + lengthAt(64));
+    EXPECT_EQ(recover(good, third, 3),
               "Trace ring image is damaged: a record length at offset " + std::to_string(third));
     EXPECT_EQ(lines.size(), 2u);
-    EXPECT_EQ(result.records, 2u);
 }
 
 TEST(VeskoTrace, DumpLogNamesTheFileAfterUserTagAndMinute) {
@@ -351,22 +304,22 @@ TEST(VeskoTrace, DumpLogNamesTheFileAfterUserTagAndMinute) {
     }
     const std::string name = "VeskoTraceLog-Unknown User-session-" + stamp + ".log";
     EXPECT_EQ(logFiles(), std::vector<std::string>{name});
+    // A text stream: lines end as the system's text files do.
+#ifdef _WIN32
+    const char* const lineEnd = "\r\n";
+#else
+    const char* const lineEnd = "\n";
+#endif
     std::string text;
     for (const std::string& line : ringRecords())
-        text += line + "\n";
+        text += line + lineEnd;
     EXPECT_EQ(TempDir::read(logDir + "/" + name), text);
-    EXPECT_NE(text.find("between the dumps\n"), std::string::npos);
+    EXPECT_NE(text.find("between the dumps"), std::string::npos);
 
-    {
-        obrix::test::ScopedEnv user("USER", "ada");
-        fs::remove_all(logDir);
-        VeskoTrace::dumpLog();
-        EXPECT_EQ(logFiles()[0].substr(0, 23), "VeskoTraceLog-ada-sessi");
-        obrix::test::ScopedEnv userName("USERNAME", "grace");
-        fs::remove_all(logDir);
-        VeskoTrace::dumpLog();
-        EXPECT_EQ(logFiles()[0].substr(0, 25), "VeskoTraceLog-grace-sessi");
-    }
+    obrix::test::ScopedEnv user("USER", "ada");
+    fs::remove_all(logDir);
+    VeskoTrace::dumpLog();
+    EXPECT_EQ(logFiles()[0].substr(0, 23), "VeskoTraceLog-ada-sessi");
 
     fs::remove_all(logDir);
     VeskoTrace::finalize();

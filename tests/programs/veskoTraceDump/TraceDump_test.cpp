@@ -57,8 +57,14 @@ TEST(VeskoTraceDump, ProgramPrintsARingAndRefusesBadArguments) {
         qvOS::ProcessResult result;
         const qvUtil::Error error = qvOS::ProcessManager::runSync(program, args, options, result);
         EXPECT_TRUE(error.isOk()) << error.message();
-        if (out)
+        if (out) {
             *out = result.stdoutText;
+#ifdef _WIN32
+            // stdout is a text stream there: "\n" goes out as "\r\n".
+            for (std::size_t at; (at = out->find("\r\n")) != std::string::npos;)
+                out->erase(at, 1);
+#endif
+        }
         return result.exitCode;
     };
 
