@@ -37,6 +37,9 @@
 
 #ifdef __cplusplus
 
+/* ---- diagnostics: the trace log ---- */
+#include "ObrixBase/util/VeskoTrace.h"
+
 /* ---- geometry ---- */
 #include "ObrixBase/geometry/Taxis.h"
 #include "ObrixBase/geometry/Tangle.h"

@@ -17,6 +17,7 @@ int main() {
     tourFactorisations();
     tourUndo();
     tourMemory();
+    tourTrace();
 
     MA_Stats stats;
     MA_get_stats(&stats);

@@ -9,6 +9,7 @@ void tourNumerics();       // vectors, slices, matrices
 void tourFactorisations(); // least-squares fit
 void tourUndo();           // undo commands and redraw requests
 void tourMemory();         // accounted memory by call site, scratch memory, fonts and titles
+void tourTrace();          // the trace ring, read back as after a crash
 
 /// Prints a chapter heading.
 void tourHeading(const char* title);
