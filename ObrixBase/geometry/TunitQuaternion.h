@@ -97,6 +97,21 @@ public:
     /// normalised. t outside [0, 1] extrapolates. Either operand may be *this. Returns *this.
     TunitQuaternion& setToSlerp(const TunitQuaternion& a, const TunitQuaternion& b,
                                 double t) noexcept;
+
+    /// The logarithm of the rotation as a vector: half the angle times the unit axis, with a
+    /// length in [0, π/2] for q and -q alike (both describe one rotation). The identity gives
+    /// the zero vector. setToExp undoes it.
+    T4dDblVector log() const noexcept;
+    /// Sets the rotation whose logarithm is v: the turn by 2|v| radians about v. A zero
+    /// vector gives the identity. Returns *this.
+    TunitQuaternion& setToExp(const T4dDblVector& v) noexcept;
+    /// The four-dimensional dot product; its magnitude is cos(θ/2) for the angle θ between
+    /// the two rotations.
+    constexpr double dotProduct(const TunitQuaternion& q) const noexcept {
+        return w * q.w + x * q.x + y * q.y + z * q.z;
+    }
+    /// The angle in [0, π] radians of the smallest rotation that turns this one into q.
+    double angleTo(const TunitQuaternion& q) const noexcept;
 };
 
 /// The spherical interpolation of TunitQuaternion::setToSlerp, as a new quaternion.
