@@ -48,6 +48,13 @@
 #include "ObrixBase/geometry/Tscale.h"
 #include "ObrixBase/geometry/TpostXformMatrix.h"
 #include "ObrixBase/geometry/Tplane.h"
+#include "ObrixBase/geometry/Tquaternion.h"
+#include "ObrixBase/geometry/TxformOps.h"
+#include "ObrixBase/geometry/TxformMatrix.h"
+#include "ObrixBase/geometry/TgenXformMatrix.h"
+#include "ObrixBase/geometry/TboundingBox.h"
+#include "ObrixBase/geometry/TpointTarget.h"
+#include "ObrixBase/geometry/TnumberSequence.h"
 
 /* ---- numerics: storage, vectors, matrices ---- */
 #include "ObrixBase/math/MathError.h"
@@ -71,6 +78,19 @@
 #include "ObrixBase/math/TsparseMatrix.h"
 #include "ObrixBase/auto/containers/TtupleVector.h"
 #include "ObrixBase/auto/containers/TtupleMatrix.h"
+
+/* ---- object containers and reporters ---- */
+#include "ObrixBase/auto/containers/Tarray.h"
+#include "ObrixBase/auto/containers/TautoArrayBase.h"
+#include "ObrixBase/auto/containers/TobjArray.h"
+#include "ObrixBase/auto/containers/TdoubleArray.h"
+#include "ObrixBase/auto/containers/TcharPtrArray.h"
+#include "ObrixBase/auto/containers/T3dDblPointArray.h"
+#include "ObrixBase/auto/containers/TdblLinkedList.h"
+#include "ObrixBase/auto/containers/TrestrictedLinkedList.h"
+#include "ObrixBase/auto/containers/TgroupDLLists.h"
+#include "ObrixBase/auto/containers/TbaseReporter.h"
+#include "ObrixBase/auto/containers/TdebugTrace.h"
 
 /* ---- application state ---- */
 #include "ObrixBase/state/VeskoBehaviour.h"
