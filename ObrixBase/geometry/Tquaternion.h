@@ -44,12 +44,12 @@ public:
     }
     /// Negation of all four components (the same rotation when read as one).
     constexpr Tquaternion operator-() const noexcept { return Tquaternion(-w, -x, -y, -z); }
-    /// The Hamilton product *this·q, the same formula as TunitQuaternion's product; not
-    /// commutative.
+    /// The Hamilton product *this·q, rounded exactly as TunitQuaternion's product (see
+    /// qvObrixBase::detail::hamiltonProduct); not commutative.
     constexpr Tquaternion operator*(const Tquaternion& q) const noexcept {
-        return Tquaternion(
-            w * q.w - (x * q.x + y * q.y + z * q.z), x * q.w + w * q.x + y * q.z - z * q.y,
-            y * q.w + w * q.y + z * q.x - x * q.z, z * q.w + w * q.z + x * q.y - y * q.x);
+        Tquaternion r;
+        qvObrixBase::detail::hamiltonProduct(*this, q, r);
+        return r;
     }
     /// Every component times s.
     constexpr Tquaternion operator*(double s) const noexcept {

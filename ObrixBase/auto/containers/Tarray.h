@@ -166,7 +166,8 @@ public:
         if (n > capacity_)
             reallocate(n);
     }
-    /// Sets the length to n: new elements are copies of v, elements past n are destroyed.
+    /// Sets the length to n: new elements are copies of v (which may be an element of this
+    /// array), elements past n are destroyed.
     void resize(int n, const T& v = T()) {
         if (n < 0)
             n = 0;
@@ -175,9 +176,10 @@ public:
             length_ = n;
             return;
         }
+        const T fill(v); // v may live in the block that reserve() is about to move
         reserve(n);
         while (length_ < n)
-            new (data_ + length_++) T(v);
+            new (data_ + length_++) T(fill);
     }
     /// Frees the unused part of the block.
     void shrinkIt() {

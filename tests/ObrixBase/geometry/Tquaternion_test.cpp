@@ -1,6 +1,7 @@
 #include "ObrixBase/geometry/Tquaternion.h"
 
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <numbers>
 
@@ -81,4 +82,16 @@ TEST(Tquaternion, ConvertsToAndFromRotations) {
     // Conjugation is not negation; equivalence does not identify q with -q here.
     EXPECT_FALSE(q.equivalent(-q, 0.1));
     EXPECT_TRUE(r.equivalent(TunitQuaternion(-r.w, -r.x, -r.y, -r.z), 0.0));
+}
+
+TEST(Tquaternion, VectorAndConstantProductsRoundAlike) {
+    // The product runs in two-lane vector arithmetic at run time and in scalar code when
+    // evaluated as a constant; both must give the same bits, signed zeros included.
+    constexpr Tquaternion a(0.1, -0.7, 0.3, 1e-3), b(-2.5, 0.0, 1.1, -0.3);
+    constexpr Tquaternion atCompileTime = a * b;
+    volatile double w = a.w; // keeps the run-time product from being folded
+    const Tquaternion atRunTime = Tquaternion(w, a.x, a.y, a.z) * b;
+    EXPECT_EQ(std::memcmp(&atCompileTime, &atRunTime, sizeof atRunTime), 0);
+    const Tquaternion zeros = Tquaternion(-0.0, 0.0, 0.0, 0.0) * Tquaternion(1.0);
+    EXPECT_TRUE(std::signbit(zeros.w) && !std::signbit(zeros.x));
 }

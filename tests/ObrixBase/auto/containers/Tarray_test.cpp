@@ -72,9 +72,12 @@ TYPED_TEST(TarrayModel, RandomEditsMatchStdVector) {
             }
             break;
         case 7: {
+            // The fill value may be an element of the array that the growth moves.
             const int len = static_cast<int>(gen() % 40);
-            a.resize(len, makeValue<TypeParam>(-step));
-            model.resize(len, makeValue<TypeParam>(-step));
+            const TypeParam fill = n ? model[pick] : makeValue<TypeParam>(-step);
+            a.shrinkIt();
+            a.resize(len, n ? a[pick] : fill);
+            model.resize(len, fill);
             break;
         }
         case 8: {
