@@ -51,6 +51,13 @@
 #include "ObrixBase/geometry/Tscale.h"
 #include "ObrixBase/geometry/TpostXformMatrix.h"
 #include "ObrixBase/geometry/Tplane.h"
+#include "ObrixBase/geometry/Tquaternion.h"
+#include "ObrixBase/geometry/TxformOps.h"
+#include "ObrixBase/geometry/TxformMatrix.h"
+#include "ObrixBase/geometry/TgenXformMatrix.h"
+#include "ObrixBase/geometry/TboundingBox.h"
+#include "ObrixBase/geometry/TpointTarget.h"
+#include "ObrixBase/geometry/TnumberSequence.h"
 
 /* ---- numerics: storage, vectors, matrices ---- */
 #include "ObrixBase/math/MathError.h"
@@ -78,6 +85,18 @@
 /* ---- fonts and text ---- */
 #include "ObrixBase/text/FontProperties.h"
 #include "ObrixBase/text/Capitalisation.h"
+/* ---- object containers and reporters ---- */
+#include "ObrixBase/auto/containers/Tarray.h"
+#include "ObrixBase/auto/containers/TautoArrayBase.h"
+#include "ObrixBase/auto/containers/TobjArray.h"
+#include "ObrixBase/auto/containers/TdoubleArray.h"
+#include "ObrixBase/auto/containers/TcharPtrArray.h"
+#include "ObrixBase/auto/containers/T3dDblPointArray.h"
+#include "ObrixBase/auto/containers/TdblLinkedList.h"
+#include "ObrixBase/auto/containers/TrestrictedLinkedList.h"
+#include "ObrixBase/auto/containers/TgroupDLLists.h"
+#include "ObrixBase/auto/containers/TbaseReporter.h"
+#include "ObrixBase/auto/containers/TdebugTrace.h"
 
 /* ---- application state ---- */
 #include "ObrixBase/state/VeskoBehaviour.h"

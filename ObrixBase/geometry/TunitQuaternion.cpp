@@ -107,8 +107,12 @@ TunitQuaternion& TunitQuaternion::setToSlerp(const TunitQuaternion& a, const Tun
         d = -d;
         qb = TunitQuaternion(-qb.w, -qb.x, -qb.y, -qb.z);
     }
-    const double theta = std::acos(d < 1.0 ? d : 1.0);
-    const double sinTheta = std::sin(theta);
+    if (d > 1.0)
+        d = 1.0;
+    const double theta = std::acos(d);
+    // sin θ from cos θ without a third sine: 1 − d is exact for d >= 0.5 (Sterbenz), so the
+    // factored form (1 − d)(1 + d) keeps sin θ as accurate as θ itself.
+    const double sinTheta = std::sqrt((1.0 - d) * (1.0 + d));
     if (sinTheta < 1e-6) {
         // Nearly the same rotation: the arc is a straight line to well within rounding.
         *this = TunitQuaternion(qa.w + t * (qb.w - qa.w), qa.x + t * (qb.x - qa.x),
@@ -149,4 +153,29 @@ TunitQuaternion T4dDblVector::rotateTo(const T4dDblVector& target) const noexcep
     // setToPivotAxis gives up at a squared axis length of 1e-9, so nearly parallel or short
     // vectors whose cross product is that small yield the identity.
     return TunitQuaternion(angle, axis);
+T4dDblVector TunitQuaternion::log() const noexcept {
+    // q and −q are one rotation: take the representative with w >= 0, so the half angle
+    // stays in [0, π/2] and the log is continuous across the identity.
+    const double s = w < 0.0 ? -1.0 : 1.0;
+    const double v = std::sqrt(x * x + y * y + z * z);
+    if (v == 0.0)
+        return T4dDblVector();
+    const double k = s * std::atan2(v, s * w) / v;
+    return T4dDblVector(k * x, k * y, k * z);
+}
+
+TunitQuaternion& TunitQuaternion::setToExp(const T4dDblVector& v) noexcept {
+    const double a = v.length();
+    // sin(a)/a by its Taylor series below 1e-4, where the quotient loses its digits.
+    const double k = a < 1e-4 ? 1.0 - a * a / 6.0 : std::sin(a) / a;
+    *this = TunitQuaternion(std::cos(a), k * v.x, k * v.y, k * v.z);
+    return *this;
+}
+
+double TunitQuaternion::angleTo(const TunitQuaternion& q) const noexcept {
+    // The relative rotation's half angle from its vector length and |w|: atan2 stays exact
+    // for nearly equal rotations, where acos(|dot|) would lose half the digits.
+    const TunitQuaternion d = inverse() * q;
+    const double v = std::sqrt(d.x * d.x + d.y * d.y + d.z * d.z);
+    return 2.0 * std::atan2(v, std::fabs(d.w));
 }

@@ -56,4 +56,21 @@ void tourGeometry() {
     const int where = floor.intersection(T4dDblPoint(3, 4, 5, 1), T4dDblVector(1, 0, -1), hit);
     std::printf("ray hits the floor at (%g, %g, %g): %s\n", hit.x, hit.y, hit.z,
                 where == Tplane::Ahead ? "ahead" : "not ahead");
+
+    // A camera aimed at the door's box, and the frames of a render from a typed-in list.
+    T3dDblPointArray panel{corner, T3dDblPoint(1, 0, 0), T3dDblPoint(2, 0, 2)};
+    const TboundingBox box = panel.boundingBox().transformed(placement.matrix());
+    TpointTarget camera(T3dDblPoint(6, -8, 3), box.center());
+    camera.setDistanceKeepingTarget(5);
+    // The view frame's inverse takes the world into the camera: the target lies straight ahead.
+    const T3dDblPoint seen = box.center() * camera.viewFrame().inverseMatrix();
+    std::printf("camera %.3g from the box centre, which lies %.3g ahead of it\n", camera.distance(),
+                -seen.z);
+    TnumberSequence frames;
+    const qvUtil::Error bad = frames.setFromText("1-10,15,20-30x2,x");
+    std::printf("%s\n", bad.message().c_str());
+    frames.setFromText("1-10,15,20-30x2");
+    std::printf("frames %s: %lld of them, 22 %s\n", frames.text().c_str(),
+                static_cast<long long>(frames.count()),
+                frames.contains(22) ? "included" : "left out");
 }

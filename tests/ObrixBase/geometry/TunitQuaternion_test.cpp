@@ -86,3 +86,23 @@ TEST(TunitQuaternion, SlerpTurnsAtConstantSpeedAlongTheShorterArc) {
     TunitQuaternion self = a;
     EXPECT_TRUE(self.setToSlerp(self, b, 0.5).equivalent(TunitQuaternion(0.8, z), 1e-14));
 }
+
+TEST(TunitQuaternion, LogAndExpRoundTripAndMeasureTheAngleBetweenRotations) {
+    obrix::test::GeometryRandom rnd;
+    for (int n = 0; n < 200; ++n) {
+        const double angle = rnd.uniform(0.0, 2.0 * std::numbers::pi);
+        const TunitQuaternion q(angle, rnd.unitVector());
+        const T4dDblVector l = q.log();
+        EXPECT_LE(l.length(), std::numbers::pi / 2 + 1e-15);
+        EXPECT_TRUE(TunitQuaternion().setToExp(l).equivalent(q, 1e-14)) << n;
+        // q and -q have one logarithm.
+        EXPECT_TRUE(TunitQuaternion(-q.w, -q.x, -q.y, -q.z).log().equivalent(l, 1e-15));
+        const TunitQuaternion p(rnd.uniform(-3, 3), rnd.unitVector());
+        EXPECT_NEAR(p.angleTo(p * q), std::min(angle, 2 * std::numbers::pi - angle), 1e-12);
+    }
+    EXPECT_EQ(TunitQuaternion().log(), T4dDblVector());
+    EXPECT_EQ(TunitQuaternion().setToExp(T4dDblVector()), TunitQuaternion());
+    // Nearly equal rotations: atan2 keeps the small angle exact.
+    const T4dDblVector z(0, 0, 1);
+    EXPECT_NEAR(TunitQuaternion(0.3, z).angleTo(TunitQuaternion(0.3 + 1e-9, z)), 1e-9, 1e-16);
+}
