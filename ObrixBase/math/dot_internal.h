@@ -10,6 +10,10 @@
 #ifndef OBRIX_MATH_DOT_INTERNAL_H
 #define OBRIX_MATH_DOT_INTERNAL_H
 
+#if !defined(OBRIX_BUILDING)
+#error "dot_internal.h is private to libObrixBase; include the public headers instead"
+#endif
+
 #include <cstddef>
 #include <cstring>
 #include <type_traits>

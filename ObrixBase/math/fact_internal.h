@@ -3,6 +3,10 @@
 #ifndef OBRIX_MATH_FACT_INTERNAL_H
 #define OBRIX_MATH_FACT_INTERNAL_H
 
+#if !defined(OBRIX_BUILDING)
+#error "fact_internal.h is private to libObrixBase; include the public headers instead"
+#endif
+
 #include <vector>
 
 #include "ObrixBase/math/DoubleGenMat.h"

@@ -8,6 +8,10 @@
 #ifndef OBRIX_MATH_GEMM_INTERNAL_H
 #define OBRIX_MATH_GEMM_INTERNAL_H
 
+#if !defined(OBRIX_BUILDING)
+#error "gemm_internal.h is private to libObrixBase; include the public headers instead"
+#endif
+
 #include <cstddef>
 #include <type_traits>
 

@@ -4,6 +4,10 @@
 #ifndef OBRIX_MATH_KERNELS_BLOCKED_INTERNAL_H
 #define OBRIX_MATH_KERNELS_BLOCKED_INTERNAL_H
 
+#if !defined(OBRIX_BUILDING)
+#error "blocked_internal.h is private to libObrixBase; include the public headers instead"
+#endif
+
 // Loops that the compiler vectorises are built three times on x86-64 with GCC-compatible
 // compilers: for the baseline instruction set, for AVX2 with FMA and for AVX-512; the first
 // call picks what the processor supports. OBRIX_SIMD_DISPATCH(ret, name, (params), (args))
