@@ -23,12 +23,6 @@
 
 namespace qvObrixBase::kernels::detail {
 
-/// Two lanes from p[0], p[1]. By value: this header is only ever compiled for the baseline.
-inline Lanes2 loadLanes2(const double* p) noexcept {
-    Lanes2 v;
-    return load(v, p);
-}
-
 /// Lanes 4h..4h+3 of the eight partial sums for the 2 x 2 tile of rows r0, r1 and columns
 /// c0, c1 over k terms: low[t] holds lanes (4h, 4h+1), high[t] lanes (4h+2, 4h+3) of tile
 /// element t = 2 * row + column.
@@ -38,10 +32,9 @@ inline void tileHalf(const double* r0, const double* r1, const double* c0, const
     Lanes2 a00 = {0, 0}, b00 = {0, 0}, a01 = {0, 0}, b01 = {0, 0};
     Lanes2 a10 = {0, 0}, b10 = {0, 0}, a11 = {0, 0}, b11 = {0, 0};
     for (unsigned p = offset; p < k8; p += 8) {
-        const Lanes2 x0 = loadLanes2(r0 + p), y0 = loadLanes2(r0 + p + 2);
-        const Lanes2 x1 = loadLanes2(r1 + p), y1 = loadLanes2(r1 + p + 2);
-        const Lanes2 u0 = loadLanes2(c0 + p), v0 = loadLanes2(c0 + p + 2);
-        const Lanes2 u1 = loadLanes2(c1 + p), v1 = loadLanes2(c1 + p + 2);
+        Lanes2 x0, y0, x1, y1, u0, v0, u1, v1;
+        load(x0, r0 + p), load(y0, r0 + p + 2), load(x1, r1 + p), load(y1, r1 + p + 2);
+        load(u0, c0 + p), load(v0, c0 + p + 2), load(u1, c1 + p), load(v1, c1 + p + 2);
         a00 += x0 * u0;
         b00 += y0 * v0;
         a01 += x0 * u1;
