@@ -124,8 +124,7 @@ OBRIX_ALWAYS_INLINE int choosePivot(const double* d, int k, int freeBegin, int f
     double best = d[k];
     int j = k + 1;
     if (j + kVector <= freeEnd) {
-        Vector m, x;
-        detail::broadcast(m, best);
+        Vector m = Vector{} + best, x;
         for (; j + kVector <= freeEnd; j += kVector)
             detail::maxInto(m, detail::load(x, d + j));
         for (int l = 0; l < kVector; ++l)
@@ -141,10 +140,9 @@ OBRIX_ALWAYS_INLINE int choosePivot(const double* d, int k, int freeBegin, int f
 
 // y[0 .. n rounded up to whole vectors) -= s * x[same]: the elements past n are slack.
 OBRIX_ALWAYS_INLINE void subtractScaledPadded(double* y, const double* x, double s, int n) {
-    Vector sv, a, b;
-    detail::broadcast(sv, s);
+    Vector a, b;
     for (int i = 0; i < n; i += kVector)
-        detail::store(y + i, detail::load(a, y + i) - sv * detail::load(b, x + i));
+        detail::store(y + i, detail::load(a, y + i) - detail::load(b, x + i) * s);
 }
 
 // y[0 .. n) = 0 for n a multiple of the vector length.

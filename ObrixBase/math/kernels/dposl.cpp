@@ -16,12 +16,9 @@ namespace {
 
 // b[0..len) -= t * c[0..len).
 OBRIX_ALWAYS_INLINE void columnSweep(double* b, const double* c, double t, int len) {
-    using V = detail::Vec<4>;
     int i = 0;
-    V tv, x, y;
-    detail::broadcast(tv, t);
-    for (; i + 4 <= len; i += 4)
-        detail::store(b + i, detail::load(y, b + i) - tv * detail::load(x, c + i));
+    for (detail::Vec<4> x, y; i + 4 <= len; i += 4)
+        detail::store(b + i, detail::load(y, b + i) - detail::load(x, c + i) * t);
     for (; i < len; ++i)
         b[i] -= t * c[i];
 }

@@ -75,8 +75,7 @@ OBRIX_ALWAYS_INLINE void tileProduct(int kc, const double* as, const double* bs,
                 load(a[h], as + l * MR + r0 + W * h);
             for (int sl = 0; sl < Slivers; ++sl)
                 for (int jj = 0; jj < NR; ++jj) {
-                    V bv;
-                    broadcast(bv, bs[sl * sliverStride + l * NR + jj]);
+                    const double bv = bs[sl * sliverStride + l * NR + jj];
                     for (int h = 0; h < Rows / W; ++h)
                         acc[sl * NR + jj][h] += a[h] * bv;
                 }

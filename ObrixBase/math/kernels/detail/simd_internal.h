@@ -23,7 +23,10 @@ namespace qvObrixBase::kernels::detail {
 // OBRIX_SIMD_PLAIN selects the plain-array registers below on a compiler that has vector
 // types, so that form can be compiled and tested where it is not the default.
 #if defined(__GNUC__) && !defined(OBRIX_SIMD_PLAIN)
-/// W doubles in one register, with element-wise + - * and lane access by [].
+/// W doubles in one register, with element-wise + - * and lane access by []. A double on
+/// either side of + or * stands for W copies of itself; write scalar factors that way, inside
+/// the loop that uses them: the compiler folds the copies into the arithmetic, where a
+/// separately built register of copies can cost one instruction per lane.
 template <int W>
 struct VectorOf {
     // Spelled as a member typedef: the attribute is dropped from a dependent alias template.
@@ -32,8 +35,8 @@ struct VectorOf {
 template <int W>
 using Vec = typename VectorOf<W>::type;
 #else
-/// W doubles with element-wise + - * and lane access by []: the same arithmetic as the vector
-/// types, one lane at a time.
+/// W doubles with element-wise + - * (and + or * by a double on the right) and lane access by
+/// []: the same arithmetic as the vector types, one lane at a time.
 template <int W>
 struct Vec {
     double lane[W];
@@ -54,6 +57,16 @@ struct Vec {
     friend Vec operator*(Vec a, const Vec& b) {
         for (int i = 0; i < W; ++i)
             a.lane[i] *= b.lane[i];
+        return a;
+    }
+    friend Vec operator+(Vec a, double s) {
+        for (int i = 0; i < W; ++i)
+            a.lane[i] += s;
+        return a;
+    }
+    friend Vec operator*(Vec a, double s) {
+        for (int i = 0; i < W; ++i)
+            a.lane[i] *= s;
         return a;
     }
 };
@@ -79,20 +92,6 @@ OBRIX_ALWAYS_INLINE const V& load(V& v, const double* p) {
 template <class V>
 OBRIX_ALWAYS_INLINE void store(double* p, const V& v) {
     std::memcpy(p, &v, sizeof v);
-}
-
-/// v = s in every lane, the sign of a zero included.
-template <class V>
-OBRIX_ALWAYS_INLINE const V& broadcast(V& v, double s) {
-#if defined(__GNUC__) && !defined(OBRIX_SIMD_PLAIN)
-    // A scalar operand is spread over the lanes; s - (+0) is s exactly, -0 included, and
-    // folds away, leaving one broadcast.
-    v = s - V{};
-#else
-    for (int i = 0; i < lanesOf<V>; ++i)
-        v[i] = s;
-#endif
-    return v;
 }
 
 /// m = the larger of m and x in each lane; a lane of x that is not a number never wins.
