@@ -22,6 +22,17 @@
 #define OBRIX_MEMBER_TEMPLATE_API
 #endif
 
+/* Marks the library's explicit instantiations of its exported class templates (the numeric
+   vectors and matrices over double, int and signed char). GCC takes the visibility from the
+   exported template itself and rejects a repeated attribute; clang needs it on the
+   instantiation, since the templates' own members name IntVec (and so instantiate it) before
+   the instantiation is reached. */
+#if defined(__clang__)
+#define OBRIX_INSTANTIATION_API OBRIX_API
+#else
+#define OBRIX_INSTANTIATION_API
+#endif
+
 /* Opens and closes C linkage in the C-interface headers. */
 #ifdef __cplusplus
 #define OBRIX_EXTERN_C_BEGIN extern "C" {

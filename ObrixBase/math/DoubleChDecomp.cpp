@@ -139,61 +139,46 @@ double DoubleChDecomp::condition() const {
 }
 
 DoubleVec DoubleChDecomp::permute(const DoubleVec& b) const {
-    if (b.length() != order()) {
-        mathErrorRaise(FACT_PERMUTELENGTH, b.length(), order());
-        // Reordering by pivots of another length would index past one end: the vector
-        // comes back as given.
-        return b.copy();
-    }
-    return obrix::detail::permuteBy(pivots_, b);
+    return obrix::detail::reorderChecked(pivots_, b, order(), true);
 }
 
 DoubleVec DoubleChDecomp::unpermute(const DoubleVec& x) const {
-    if (x.length() != order()) {
-        mathErrorRaise(FACT_PERMUTELENGTH, x.length(), order());
-        // Reordering by pivots of another length would index past one end: the vector
-        // comes back as given.
-        return x.copy();
-    }
-    return obrix::detail::unpermuteBy(pivots_, x);
+    return obrix::detail::reorderChecked(pivots_, x, order(), false);
 }
 
-DoubleVec DoubleChDecomp::partialSolve(const DoubleVec& b, int kk) const {
-    if (b.length() != order()) {
-        mathErrorRaise(FACT_BADLENGTH, b.length(), order());
-        return b.copy();
+void DoubleChDecomp::solveInPlace(double* x, unsigned length, int kk) const {
+    if (length != order()) {
+        mathErrorRaise(FACT_BADLENGTH, length, order());
+        return;
     }
     if (kk > lastPosFactor_)
         mathErrorRaise(FACT_NOTFACTORED);
     // A handler that returns lets the solve go on with the k asked for, as after every
     // check; only the order bounds it, since the factor has no columns past it.
     kk = std::min(kk, static_cast<int>(order()));
-    DoubleVec x = b.copy();
     if (kk > 0)
-        k::dposl(factor_.data(), leading(factor_), kk, x.data());
+        k::dposl(factor_.data(), leading(factor_), kk, x);
+}
+
+DoubleVec DoubleChDecomp::partialSolve(const DoubleVec& b, int kk) const {
+    DoubleVec x = b.copy();
+    solveInPlace(x.data(), x.length(), kk);
     return x;
 }
 
 DoubleVec DoubleChDecomp::solve(const DoubleVec& b) const {
-    const unsigned n = order();
-    if (b.length() != n || pivots_.length() != n || lastPosFactor_ < static_cast<int>(n)) {
-        // A b of the wrong length is first met, and reported, by permute; the steps' own
-        // checks report the rest in their order.
-        return unpermute(partialSolve(permute(b), static_cast<int>(n)));
-    }
-    // The same three steps through one scratch vector, from the stack at the small orders
-    // solved most often, so the result is the only allocation.
+    // permute, partialSolve and unpermute, each with its own checks and reports, through one
+    // scratch array, from the stack at the small orders solved most often, so that the result
+    // is the only allocation.
+    const unsigned length = b.length();
     constexpr unsigned kStackOrder = 64;
     double stackWork[kStackOrder];
-    std::vector<double> heapWork(n > kStackOrder ? n : 0);
-    double* y = n > kStackOrder ? heapWork.data() : stackWork;
-    for (unsigned i = 0; i < n; ++i)
-        y[i] = b(pivots_(static_cast<int>(i)));
-    if (n > 0)
-        k::dposl(factor_.data(), leading(factor_), static_cast<int>(n), y);
-    DoubleVec x(n);
-    for (unsigned i = 0; i < n; ++i)
-        x(pivots_(static_cast<int>(i))) = y[i];
+    std::vector<double> heapWork(length > kStackOrder ? length : 0);
+    double* y = length > kStackOrder ? heapWork.data() : stackWork;
+    obrix::detail::reorderInto(pivots_, order(), b.data(), b.stride(), length, y, true);
+    solveInPlace(y, length, static_cast<int>(order()));
+    DoubleVec x(length);
+    obrix::detail::reorderInto(pivots_, order(), y, 1, length, x.data(), false);
     return x;
 }
 

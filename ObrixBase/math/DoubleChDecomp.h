@@ -94,6 +94,8 @@ public:
     const DoubleGenMat& factorMatrix() const { return factor_; }
 
 private:
+    /// partialSolve's checks and solve on `length` contiguous doubles at x, in place.
+    void solveInPlace(double* x, unsigned length, int k) const;
     bool checkRotationData(DoubleGenMat* z, DoubleVec* c, DoubleVec* s, unsigned rotations);
     int rowChange(bool add, const DoubleVec& x, DoubleGenMat* z, const DoubleVec* y, DoubleVec* rho,
                   DoubleVec* c, DoubleVec* s);

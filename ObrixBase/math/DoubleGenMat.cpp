@@ -6,11 +6,12 @@
 
 #include "ObrixBase/math/DoubleSymMat.h"
 #include "ObrixBase/math/DoubleTriMat.h"
-#include "ObrixBase/math/dot_internal.h"
-#include "ObrixBase/math/gemm_internal.h"
+#include "ObrixBase/math/kernels/detail/dot_internal.h"
+#include "ObrixBase/math/kernels/detail/product_internal.h"
 #include "ObrixBase/math/strided_loops_internal.h"
 
-using obrix::detail::dotProduct;
+using qvObrixBase::kernels::detail::reproducibleDot;
+using qvObrixBase::kernels::detail::reproducibleProduct;
 
 namespace {
 
@@ -459,8 +460,7 @@ NumGenMat<T> product(const NumGenMat<T>& a, const NumGenMat<T>& b) {
     NumGenMat<T> c(m, n);
     const NumVec<T> rows = copyRows(a);
     const NumVec<T> cols = contiguousColumns(b);
-    obrix::detail::multiplyRowsByColumns(rows.data(), a.cols(), cols.data(), b.rows(), m, n, k,
-                                         c.data());
+    reproducibleProduct(rows.data(), a.cols(), cols.data(), b.rows(), m, n, k, c.data());
     return c;
 }
 
@@ -473,8 +473,7 @@ NumGenMat<T> transposeProduct(const NumGenMat<T>& a, const NumGenMat<T>& b) {
     NumGenMat<T> c(m, n);
     const NumVec<T> rows = contiguousColumns(a);
     const NumVec<T> cols = contiguousColumns(b);
-    obrix::detail::multiplyRowsByColumns(rows.data(), a.rows(), cols.data(), b.rows(), m, n, k,
-                                         c.data());
+    reproducibleProduct(rows.data(), a.rows(), cols.data(), b.rows(), m, n, k, c.data());
     return c;
 }
 
@@ -487,8 +486,7 @@ NumGenMat<T> transProduct(const NumGenMat<T>& a, const NumGenMat<T>& b) {
     NumGenMat<T> c(m, n);
     const NumVec<T> rows = copyRows(a);
     const NumVec<T> cols = copyRows(b);
-    obrix::detail::multiplyRowsByColumns(rows.data(), a.cols(), cols.data(), b.cols(), m, n, k,
-                                         c.data());
+    reproducibleProduct(rows.data(), a.cols(), cols.data(), b.cols(), m, n, k, c.data());
     return c;
 }
 
@@ -500,7 +498,8 @@ NumVec<T> product(const NumGenMat<T>& a, const NumVec<T>& v) {
     const unsigned k = innerLength(a.cols(), v.length());
     for (unsigned i = 0; i < a.rows(); ++i) {
         const NumVec<T> row = a.row(static_cast<int>(i));
-        result(static_cast<int>(i)) = dotProduct(row.data(), row.stride(), v.data(), v.stride(), k);
+        result(static_cast<int>(i)) =
+            reproducibleDot(row.data(), row.stride(), v.data(), v.stride(), k);
     }
     return result;
 }
@@ -513,7 +512,8 @@ NumVec<T> product(const NumVec<T>& v, const NumGenMat<T>& a) {
     const unsigned k = innerLength(a.rows(), v.length());
     for (unsigned j = 0; j < a.cols(); ++j) {
         const NumVec<T> col = a.col(static_cast<int>(j));
-        result(static_cast<int>(j)) = dotProduct(v.data(), v.stride(), col.data(), col.stride(), k);
+        result(static_cast<int>(j)) =
+            reproducibleDot(v.data(), v.stride(), col.data(), col.stride(), k);
     }
     return result;
 }

@@ -4,7 +4,7 @@
 #include <limits>
 #include <type_traits>
 
-#include "ObrixBase/math/dot_internal.h"
+#include "ObrixBase/math/kernels/detail/dot_internal.h"
 #include "ObrixBase/math/strided_loops_internal.h"
 
 using obrix::detail::forEachElement;
@@ -71,7 +71,8 @@ NumVec<T> reverse(const NumVec<T>& x) {
 template <class T>
 T dot(const NumVec<T>& a, const NumVec<T>& b) {
     a.lengthCheck(b.length());
-    return obrix::detail::dotProduct(a.data(), a.stride(), b.data(), b.stride(), a.length());
+    return qvObrixBase::kernels::detail::reproducibleDot(a.data(), a.stride(), b.data(), b.stride(),
+                                                         a.length());
 }
 
 template <class T>

@@ -24,10 +24,13 @@ template <class T>
 OBRIX_API NumVec<T> reverse(const NumVec<T>& x);
 /// Inner product (VNMATCH unless the lengths match); 0 for empty vectors. The order of the
 /// double additions is fixed by the library (eight interleaved partial sums), so equal inputs
-/// always give equal results, whatever their strides.
+/// always give equal results, whatever their strides and processor; the kernels' ddot gives the
+/// same bits.
 template <class T>
 OBRIX_API T dot(const NumVec<T>& a, const NumVec<T>& b);
-/// Sum in index order from 0. Integer sums wrap in the element type.
+/// Sum in index order from 0, one addition after another: unlike dot, the order is the
+/// contract, so a long sum runs at the adder's latency and cannot be split into partial sums.
+/// Integer sums wrap in the element type.
 template <class T>
 OBRIX_API T sum(const NumVec<T>& x);
 /// Product in index order from 1.

@@ -3,6 +3,11 @@
 #ifndef OBRIX_MATH_FACT_INTERNAL_H
 #define OBRIX_MATH_FACT_INTERNAL_H
 
+#if !defined(OBRIX_BUILDING)
+#error "fact_internal.h is private to libObrixBase; include the public headers instead"
+#endif
+
+#include <cstddef>
 #include <vector>
 
 #include "ObrixBase/math/DoubleGenMat.h"
@@ -27,33 +32,33 @@ inline void identityPivots(IntVec& pivots, unsigned n) {
         pivots(static_cast<int>(i)) = static_cast<int>(i);
 }
 
-/// result[k] = v[pivots[k]]: a vector in the original order taken to the factored order.
-inline DoubleVec permuteBy(const IntVec& pivots, const DoubleVec& v) {
-    DoubleVec r(v.length());
-    for (unsigned k = 0; k < v.length(); ++k)
-        r(static_cast<int>(k)) = v(pivots(static_cast<int>(k)));
-    return r;
+/// The body of the factorisations' permute() (toFactored: out[k] = v[pivots[k]]) and
+/// unpermute() (out[pivots[k]] = v[k]) over the `length` elements of v at `stride`, into
+/// `length` contiguous doubles at out (not overlapping v). A length other than the n the pivots
+/// describe raises FACT_PERMUTELENGTH (length, n) and, when the handler returns, copies v as
+/// it is: reordering by pivots of another length would index past one end.
+inline void reorderInto(const IntVec& pivots, unsigned n, const double* v, int stride,
+                        unsigned length, double* out, bool toFactored) {
+    const std::ptrdiff_t s = stride;
+    if (length != n) {
+        mathErrorRaise(FACT_PERMUTELENGTH, length, n);
+        for (unsigned k = 0; k < length; ++k)
+            out[k] = v[k * s];
+    } else if (toFactored) {
+        for (unsigned k = 0; k < n; ++k)
+            out[k] = v[pivots(static_cast<int>(k)) * s];
+    } else {
+        for (unsigned k = 0; k < n; ++k)
+            out[pivots(static_cast<int>(k))] = v[k * s];
+    }
 }
 
-/// result[pivots[k]] = v[k]: back from the factored order to the original one.
-inline DoubleVec unpermuteBy(const IntVec& pivots, const DoubleVec& v) {
-    DoubleVec r(v.length());
-    for (unsigned k = 0; k < v.length(); ++k)
-        r(pivots(static_cast<int>(k))) = v(static_cast<int>(k));
-    return r;
-}
-
-/// The body of the factorisations' permute() (toFactored) and unpermute(): v reordered by
-/// `pivots` when it has the n elements they describe. Another length raises
-/// FACT_PERMUTELENGTH (length, n) and, when the handler returns, gives v back as a copy:
-/// reordering by pivots of another length would index past one end.
+/// reorderInto with a new vector of v's length as the result.
 inline DoubleVec reorderChecked(const IntVec& pivots, const DoubleVec& v, unsigned n,
                                 bool toFactored) {
-    if (v.length() != n) {
-        mathErrorRaise(FACT_PERMUTELENGTH, v.length(), n);
-        return v.copy();
-    }
-    return toFactored ? permuteBy(pivots, v) : unpermuteBy(pivots, v);
+    DoubleVec r(v.length());
+    reorderInto(pivots, n, v.data(), v.stride(), v.length(), r.data(), toFactored);
+    return r;
 }
 
 /// A contiguous working copy of an optional caller vector that is written back on request;

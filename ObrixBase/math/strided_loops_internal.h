@@ -4,22 +4,14 @@
 #ifndef OBRIX_MATH_STRIDED_LOOPS_INTERNAL_H
 #define OBRIX_MATH_STRIDED_LOOPS_INTERNAL_H
 
+#if !defined(OBRIX_BUILDING)
+#error "strided_loops_internal.h is private to libObrixBase; include the public headers instead"
+#endif
+
 #include <cmath>
 #include <cstddef>
 #include <limits>
 #include <type_traits>
-
-#include "ObrixBase/ObrixExport.h"
-
-// The export attribute of the explicit instantiations of the numeric class templates. GCC
-// takes the visibility from the exported template itself and rejects a repeated attribute;
-// clang needs it on the instantiation, since the templates' own members name IntVec (and so
-// instantiate it) before the instantiation is reached.
-#if defined(__clang__)
-#define OBRIX_INSTANTIATION_API OBRIX_API
-#else
-#define OBRIX_INSTANTIATION_API
-#endif
 
 namespace obrix::detail {
 

@@ -15,11 +15,12 @@
 // panel the trailing upper triangle takes the panel's contribution in one blocked rank-k update.
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <utility>
 #include <vector>
 
-#include "ObrixBase/math/kernels/blocked_internal.h"
+#include "ObrixBase/math/kernels/detail/blocked_internal.h"
+#include "ObrixBase/math/kernels/detail/dot_internal.h"
+#include "ObrixBase/math/kernels/detail/simd_internal.h"
 #include "ObrixBase/math/kernels/kernels.h"
 
 namespace qvObrixBase::kernels {
@@ -106,6 +107,7 @@ OBRIX_ALWAYS_INLINE void placeFixedColumns(Upper A, int p, int* jpvt, int& freeB
 constexpr int kSmallOrder = 64;
 constexpr int kVector = 8;
 constexpr int kSmallLd = kSmallOrder + kVector;
+using Vector = detail::Vec<kVector>;
 // Below this the copy costs more than the short columns gain from whole-vector updates, and
 // the row-at-a-time panel form is quicker.
 constexpr int kPanelOnlyOrder = 8;
@@ -121,19 +123,13 @@ OBRIX_ALWAYS_INLINE int choosePivot(const double* d, int k, int freeBegin, int f
         return k;
     double best = d[k];
     int j = k + 1;
-#if defined(__GNUC__)
-    typedef double V8 __attribute__((vector_size(8 * sizeof(double))));
     if (j + kVector <= freeEnd) {
-        V8 m = V8{} + best;
-        for (; j + kVector <= freeEnd; j += kVector) {
-            V8 x;
-            std::memcpy(&x, d + j, sizeof x);
-            m = x > m ? x : m;
-        }
+        Vector m = Vector{} + best, x;
+        for (; j + kVector <= freeEnd; j += kVector)
+            detail::maxInto(m, detail::load(x, d + j));
         for (int l = 0; l < kVector; ++l)
             best = m[l] > best ? m[l] : best;
     }
-#endif
     for (; j < freeEnd; ++j)
         best = d[j] > best ? d[j] : best;
     int piv = k;
@@ -144,46 +140,23 @@ OBRIX_ALWAYS_INLINE int choosePivot(const double* d, int k, int freeBegin, int f
 
 // y[0 .. n rounded up to whole vectors) -= s * x[same]: the elements past n are slack.
 OBRIX_ALWAYS_INLINE void subtractScaledPadded(double* y, const double* x, double s, int n) {
-#if defined(__GNUC__)
-    typedef double V8 __attribute__((vector_size(8 * sizeof(double))));
-    V8 sv = V8{} + s;
-    for (int i = 0; i < n; i += kVector) {
-        V8 a, b;
-        std::memcpy(&a, y + i, sizeof a);
-        std::memcpy(&b, x + i, sizeof b);
-        a -= sv * b;
-        std::memcpy(y + i, &a, sizeof a);
-    }
-#else
-    for (int i = 0; i < n; ++i)
-        y[i] -= s * x[i];
-#endif
+    Vector a, b;
+    for (int i = 0; i < n; i += kVector)
+        detail::store(y + i, detail::load(a, y + i) - detail::load(b, x + i) * s);
 }
 
 // y[0 .. n) = 0 for n a multiple of the vector length.
 OBRIX_ALWAYS_INLINE void zeroVectors(double* y, int n) {
-#if defined(__GNUC__)
-    typedef double V8 __attribute__((vector_size(8 * sizeof(double))));
-    const V8 zero = {};
+    const Vector zero = {};
     for (int i = 0; i < n; i += kVector)
-        std::memcpy(y + i, &zero, sizeof zero);
-#else
-    for (int i = 0; i < n; ++i)
-        y[i] = 0.0;
-#endif
+        detail::store(y + i, zero);
 }
 
 // y[0 .. n) = x[0 .. n), in whole vectors while they fit and element by element after.
 OBRIX_ALWAYS_INLINE void copyColumn(double* y, const double* x, int n) {
     int i = 0;
-#if defined(__GNUC__)
-    typedef double V8 __attribute__((vector_size(8 * sizeof(double))));
-    for (; i + kVector <= n; i += kVector) {
-        V8 v;
-        std::memcpy(&v, x + i, sizeof v);
-        std::memcpy(y + i, &v, sizeof v);
-    }
-#endif
+    for (Vector v; i + kVector <= n; i += kVector)
+        detail::store(y + i, detail::load(v, x + i));
     for (; i < n; ++i)
         y[i] = x[i];
 }
@@ -192,6 +165,7 @@ OBRIX_ALWAYS_INLINE void copyColumn(double* y, const double* x, int n) {
 // dimension kSmallLd); d holds the remaining diagonal and r the current row of R. Returns
 // the order of the part factored with positive pivots; when it stops early the reduced
 // trailing matrix is left in a, diagonal included.
+template <int>
 OBRIX_ALWAYS_INLINE int factorSmallBody(double* a, int lda, int p, double* w, double* d, double* r,
                                         int* jpvt, bool pivoting) {
     Upper A{a, lda}, W{w, kSmallLd};
@@ -293,7 +267,7 @@ void dchdc(double* a, int lda, int p, double* work, int* jpvt, int job, int* inf
             const double inv = 1.0 / rkk;
             for (int j = k + 1; j < p; ++j) {
                 const double* rj = &A(k0, j);
-                double v = (A(k, j) - detail::dotContiguous(rk, rj, rows)) * inv;
+                double v = (A(k, j) - detail::kernelDot(rk, rj, rows)) * inv;
                 A(k, j) = v;
                 work[j] -= v * v;
             }

@@ -4,6 +4,10 @@
 #ifndef OBRIX_MATH_KERNELS_DETERMINANT_INTERNAL_H
 #define OBRIX_MATH_KERNELS_DETERMINANT_INTERNAL_H
 
+#if !defined(OBRIX_BUILDING)
+#error "determinant_internal.h is private to libObrixBase; include the public headers instead"
+#endif
+
 #include <cmath>
 
 namespace qvObrixBase::kernels::detail {

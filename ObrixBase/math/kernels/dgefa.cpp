@@ -8,7 +8,8 @@
 #include <cmath>
 #include <utility>
 
-#include "ObrixBase/math/kernels/blocked_internal.h"
+#include "ObrixBase/math/kernels/detail/blocked_internal.h"
+#include "ObrixBase/math/kernels/detail/simd_internal.h"
 #include "ObrixBase/math/kernels/kernels.h"
 
 namespace qvObrixBase::kernels {
@@ -74,6 +75,7 @@ void eliminate(double* a, int lda, int n, int* ipvt, int* info) {
 // panel is eliminated column by column, and the columns to its right then take the panel's
 // eight steps in one pass per column (eight multiply-adds per element loaded), which keeps
 // mid-sized matrices in the first-level cache. piv receives 0-based rows.
+template <int>
 OBRIX_ALWAYS_INLINE void panelLUBody(double* a, int lda, int n, int* piv, int* lastZero) {
     constexpr int NB = kPanelWidth;
     for (int j0 = 0; j0 < n; j0 += NB) {

@@ -1,66 +1,24 @@
 // Solves R'*R*x = b with an upper triangular Cholesky factor: R'y = b by inner products down
 // the contiguous columns of R, then R x = y by column sweeps from the last.
 //
-// Both sweeps run on inlined four-wide loops rather than the shared level-1 routines: at the
-// orders solved most often the columns are a few elements long, and a call per column with
-// its own set-up cost more than the arithmetic.
+// Both sweeps run on inlined four-wide loops (the kernels' inner product and a column update)
+// rather than the level-1 routines: at the orders solved most often the columns are a few
+// elements long, and a call per column with its own set-up costs more than the arithmetic.
 #include <cmath>
-#include <cstring>
 
-#include "ObrixBase/math/kernels/blocked_internal.h"
+#include "ObrixBase/math/kernels/detail/dot_internal.h"
+#include "ObrixBase/math/kernels/detail/simd_internal.h"
 #include "ObrixBase/math/kernels/kernels.h"
 
 namespace qvObrixBase::kernels {
 
 namespace {
 
-#if defined(__GNUC__)
-typedef double V4 __attribute__((vector_size(4 * sizeof(double))));
-
-// Loads through a reference: a vector returned by value would take a different calling
-// convention in the baseline build from the AVX ones.
-OBRIX_ALWAYS_INLINE const V4& load4(const double* p, V4& v) {
-    std::memcpy(&v, p, sizeof v);
-    return v;
-}
-#endif
-
-// b[0..len) . c[0..len) with two four-wide partial sums: the sums of a short column stay off
-// one long chain of additions, which is what bounds the forward sweep.
-OBRIX_ALWAYS_INLINE double columnDot(const double* c, const double* b, int len) {
-    int i = 0;
-#if defined(__GNUC__)
-    V4 s0 = {}, s1 = {}, x, y;
-    for (; i + 8 <= len; i += 8) {
-        s0 += load4(c + i, x) * load4(b + i, y);
-        s1 += load4(c + i + 4, x) * load4(b + i + 4, y);
-    }
-    if (i + 4 <= len) {
-        s0 += load4(c + i, x) * load4(b + i, y);
-        i += 4;
-    }
-    s0 += s1;
-    double s = (s0[0] + s0[1]) + (s0[2] + s0[3]);
-#else
-    double s = 0.0;
-#endif
-    double t = 0.0;
-    for (; i < len; ++i)
-        t += c[i] * b[i];
-    return s + t;
-}
-
 // b[0..len) -= t * c[0..len).
 OBRIX_ALWAYS_INLINE void columnSweep(double* b, const double* c, double t, int len) {
     int i = 0;
-#if defined(__GNUC__)
-    const V4 tv = {t, t, t, t};
-    V4 x, y;
-    for (; i + 4 <= len; i += 4) {
-        V4 v = load4(b + i, y) - tv * load4(c + i, x);
-        std::memcpy(b + i, &v, sizeof v);
-    }
-#endif
+    for (detail::Vec<4> x, y; i + 4 <= len; i += 4)
+        detail::store(b + i, detail::load(y, b + i) - detail::load(x, c + i) * t);
     for (; i < len; ++i)
         b[i] -= t * c[i];
 }
@@ -77,12 +35,13 @@ OBRIX_ALWAYS_INLINE double divideBy(double x, double d) {
 // Each unknown depends on the one found just before it. That one is carried in a register
 // and its term is applied last, on its own, so the rest of the column's work (the inner
 // product of the older unknowns, the sweep over the rows above) overlaps the step before.
+template <int>
 OBRIX_ALWAYS_INLINE void solveBody(const double* a, int lda, int n, double* b) {
     auto col = [&](int j) { return a + static_cast<long>(j) * lda; };
     double last = b[0] = divideBy(b[0], a[0]);
     for (int k = 1; k < n; ++k) {
         const double* c = col(k);
-        double s = b[k] - columnDot(c, b, k - 1);
+        double s = b[k] - detail::kernelDot(c, b, k - 1);
         last = b[k] = divideBy(s - c[k - 1] * last, c[k]);
     }
     double next = b[n - 1];

@@ -10,7 +10,8 @@
 #include <limits>
 #include <utility>
 
-#include "ObrixBase/math/kernels/blocked_internal.h"
+#include "ObrixBase/math/kernels/detail/dot_internal.h"
+#include "ObrixBase/math/kernels/detail/simd_internal.h"
 #include "ObrixBase/math/kernels/kernels.h"
 
 namespace qvObrixBase::kernels {
@@ -19,11 +20,12 @@ namespace {
 
 // Applies H = I - v v'/v[0] to the columns xj of length len, each in one visit: the inner
 // product, then the update while the column is still in cache.
+template <int>
 OBRIX_ALWAYS_INLINE void reflectColumnsBody(const double* __restrict v, int len, double* x, int ldx,
                                             int ncols) {
     for (int j = 0; j < ncols; ++j) {
         double* __restrict xj = x + static_cast<long>(j) * ldx;
-        double t = -detail::dotContiguous(v, xj, len) / v[0];
+        double t = -detail::kernelDot(v, xj, len) / v[0];
         for (int i = 0; i < len; ++i)
             xj[i] += t * v[i];
     }

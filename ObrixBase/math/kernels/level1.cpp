@@ -2,7 +2,7 @@
 // compiler can vectorise; other strides walk from the end the classic way for negative ones.
 #include <cmath>
 
-#include "ObrixBase/math/kernels/blocked_internal.h"
+#include "ObrixBase/math/kernels/detail/dot_internal.h"
 #include "ObrixBase/math/kernels/kernels.h"
 
 namespace qvObrixBase::kernels {
@@ -30,13 +30,10 @@ void daxpy(int n, double a, const double* x, int incx, double* y, int incy) {
 double ddot(int n, const double* x, int incx, const double* y, int incy) {
     if (n <= 0)
         return 0.0;
-    if (incx == 1 && incy == 1)
-        return detail::dotContiguous(x, y, n);
-    double s = 0.0;
-    long ix = startOf(n, incx), iy = startOf(n, incy);
-    for (int i = 0; i < n; ++i, ix += incx, iy += incy)
-        s += x[ix] * y[iy];
-    return s;
+    // The numeric classes' inner product, so that ddot and dot() of the same vectors agree
+    // bit for bit whatever the strides.
+    return detail::reproducibleDot(x + startOf(n, incx), incx, y + startOf(n, incy), incy,
+                                   static_cast<unsigned>(n));
 }
 
 void dscal(int n, double a, double* x, int incx) {
@@ -81,7 +78,7 @@ double dnrm2(int n, const double* x, int incx) {
     // range of doubles; only when it overflows, underflows or meets a NaN is the vector
     // walked again with a running scale.
     if (incx == 1) {
-        double ssq = detail::dotContiguous(x, x, n);
+        double ssq = detail::kernelDot(x, x, n);
         if (ssq > 1e-290 && ssq < 1e290)
             return std::sqrt(ssq);
     }

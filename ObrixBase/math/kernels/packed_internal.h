@@ -2,6 +2,10 @@
 #ifndef OBRIX_MATH_KERNELS_PACKED_INTERNAL_H
 #define OBRIX_MATH_KERNELS_PACKED_INTERNAL_H
 
+#if !defined(OBRIX_BUILDING)
+#error "packed_internal.h is private to libObrixBase; include the public headers instead"
+#endif
+
 #include <utility>
 
 namespace qvObrixBase::kernels::detail {

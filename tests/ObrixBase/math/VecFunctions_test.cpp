@@ -2,9 +2,11 @@
 
 #include <cmath>
 #include <limits>
+#include <vector>
 
 #include <gtest/gtest.h>
 
+#include "ObrixBase/math/kernels/kernels.h"
 #include "tests/support/MathErrorCapture.h"
 #include "tests/support/NumericTestData.h"
 
@@ -39,9 +41,10 @@ TEST(VecFunctions, SequencesAndReductionsFollowIndexOrder) {
     EXPECT_EQ(elements(abs(SCharVec(2, -2, 3))), (std::vector<signed char>{2, 1}));
 }
 
-TEST(VecFunctions, DotAddsInEightLanesForEveryLengthAndStride) {
+TEST(VecFunctions, DotAndDdotAddInEightLanesForEveryLengthAndStride) {
     // Magnitudes far apart make every grouping of the additions round differently, so the
-    // contiguous and the strided paths must both follow the lane order exactly.
+    // contiguous and the strided paths, and the kernels' ddot with any increment, must all
+    // follow the lane order exactly.
     DoubleVec v(60), w(60);
     for (int i = 0; i < 60; ++i) {
         v(i) = std::ldexp(1.0 + 0.37 * i, (i * 7) % 60 - 30);
@@ -59,6 +62,16 @@ TEST(VecFunctions, DotAddsInEightLanesForEveryLengthAndStride) {
         spreadA.slice(0, n, 3) = a;
         spreadB.slice(0, n, 3) = b;
         EXPECT_EQ(dot(spreadA.slice(0, n, 3), spreadB.slice(0, n, 3)), expected) << "n = " << n;
+        const int len = static_cast<int>(n);
+        EXPECT_EQ(qvObrixBase::kernels::ddot(len, a.data(), 1, b.data(), 1), expected);
+        EXPECT_EQ(qvObrixBase::kernels::ddot(len, spreadA.data(), 3, spreadB.data(), 3), expected);
+        // A negative increment walks from the far end: reversed copies give the same terms.
+        std::vector<double> ra(n + 1), rb(n + 1);
+        for (unsigned i = 0; i < n; ++i) {
+            ra[n - 1 - i] = a(static_cast<int>(i));
+            rb[n - 1 - i] = b(static_cast<int>(i));
+        }
+        EXPECT_EQ(qvObrixBase::kernels::ddot(len, ra.data(), -1, rb.data(), -1), expected);
     }
 }
 

@@ -3,12 +3,13 @@
 // MR x NR register tile accumulates each product. On x86-64 the tile loop is compiled for
 // the baseline instruction set, for AVX2 with FMA and for AVX-512, and the first call picks
 // what the processor supports, so the library stays portable without giving up wide units.
-#include "ObrixBase/math/kernels/blocked_internal.h"
+#include "ObrixBase/math/kernels/detail/blocked_internal.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <vector>
+
+#include "ObrixBase/math/kernels/detail/simd_internal.h"
 
 namespace qvObrixBase::kernels::detail {
 
@@ -19,10 +20,6 @@ constexpr int NR = 4;
 constexpr int KC = 256;
 constexpr int MC = 128;
 constexpr int NC = 2048;
-
-#if defined(__GNUC__)
-typedef double Vec4 __attribute__((vector_size(32)));
-#endif
 
 // Scratch panels, one pair per thread; they only grow.
 struct Scratch {
@@ -69,35 +66,24 @@ void packB(int kc, int nc, const double* b, int ldb, double* out) {
 template <class V, int Rows, int Slivers>
 OBRIX_ALWAYS_INLINE void tileProduct(int kc, const double* as, const double* bs, long sliverStride,
                                      double (&tile)[Slivers * NR][MR]) {
-#if defined(__GNUC__)
-    constexpr int W = static_cast<int>(sizeof(V) / sizeof(double));
+    constexpr int W = lanesOf<V>;
     for (int r0 = 0; r0 < MR; r0 += Rows) {
         V acc[Slivers * NR][Rows / W] = {};
         for (int l = 0; l < kc; ++l) {
             V a[Rows / W];
             for (int h = 0; h < Rows / W; ++h)
-                std::memcpy(&a[h], as + l * MR + r0 + W * h, sizeof(V));
+                load(a[h], as + l * MR + r0 + W * h);
             for (int sl = 0; sl < Slivers; ++sl)
                 for (int jj = 0; jj < NR; ++jj) {
-                    double bv = bs[sl * sliverStride + l * NR + jj];
+                    const double bv = bs[sl * sliverStride + l * NR + jj];
                     for (int h = 0; h < Rows / W; ++h)
                         acc[sl * NR + jj][h] += a[h] * bv;
                 }
         }
         for (int jj = 0; jj < Slivers * NR; ++jj)
             for (int h = 0; h < Rows / W; ++h)
-                std::memcpy(&tile[jj][r0 + W * h], &acc[jj][h], sizeof(V));
+                store(&tile[jj][r0 + W * h], acc[jj][h]);
     }
-#else
-    for (int jj = 0; jj < Slivers * NR; ++jj)
-        for (int ii = 0; ii < MR; ++ii)
-            tile[jj][ii] = 0.0;
-    for (int l = 0; l < kc; ++l)
-        for (int sl = 0; sl < Slivers; ++sl)
-            for (int jj = 0; jj < NR; ++jj)
-                for (int ii = 0; ii < MR; ++ii)
-                    tile[sl * NR + jj][ii] += as[l * MR + ii] * bs[sl * sliverStride + l * NR + jj];
-#endif
 }
 
 template <int Cols>
@@ -142,69 +128,26 @@ OBRIX_ALWAYS_INLINE void macroBody(int mc, int nc, int kc, const double* pa, con
     }
 }
 
-#if defined(__GNUC__)
-void macroKernelBaseline(int mc, int nc, int kc, const double* pa, const double* pb, double* c,
-                         int ldc) {
-    macroBody<Vec4, 4, 1>(mc, nc, kc, pa, pb, c, ldc);
-}
-#else
-void macroKernelBaseline(int mc, int nc, int kc, const double* pa, const double* pb, double* c,
-                         int ldc) {
-    macroBody<double, MR, 1>(mc, nc, kc, pa, pb, c, ldc);
-}
-#endif
-
-#if defined(__GNUC__) && defined(__x86_64__)
-typedef double Vec8 __attribute__((vector_size(64)));
-
-// The same loops for processors with wider units, chosen at run time: the library itself is
-// built for the baseline instruction set.
-__attribute__((target("avx2,fma"))) void macroKernelAvx2(int mc, int nc, int kc, const double* pa,
-                                                         const double* pb, double* c, int ldc) {
-    macroBody<Vec4, 8, 1>(mc, nc, kc, pa, pb, c, ldc);
-}
-__attribute__((target("avx512f,avx2,fma"))) void
-macroKernelAvx512(int mc, int nc, int kc, const double* pa, const double* pb, double* c, int ldc) {
-    macroBody<Vec8, 8, 2>(mc, nc, kc, pa, pb, c, ldc);
+// The register tile of each level: four-wide registers four rows at a time for the baseline
+// (two SSE registers per vector), eight rows for AVX2, and two slivers of eight-wide registers
+// for AVX-512, so that the accumulators fill each level's register file without spilling.
+template <int Level>
+OBRIX_ALWAYS_INLINE void macroKernelBody(int mc, int nc, int kc, const double* pa, const double* pb,
+                                         double* c, int ldc) {
+    if constexpr (Level == 2)
+        macroBody<Vec<8>, 8, 2>(mc, nc, kc, pa, pb, c, ldc);
+    else if constexpr (Level == 1)
+        macroBody<Vec<4>, 8, 1>(mc, nc, kc, pa, pb, c, ldc);
+    else
+        macroBody<Vec<4>, 4, 1>(mc, nc, kc, pa, pb, c, ldc);
 }
 
-using MacroKernel = void (*)(int, int, int, const double*, const double*, double*, int);
-MacroKernel chooseMacroKernel() {
-    int level = simdLevel();
-    return level == 2 ? &macroKernelAvx512 : level == 1 ? &macroKernelAvx2 : &macroKernelBaseline;
-}
-#endif
-
-void macroKernel(int mc, int nc, int kc, const double* pa, const double* pb, double* c, int ldc) {
-#if defined(__GNUC__) && defined(__x86_64__)
-    static const MacroKernel chosen = chooseMacroKernel();
-    chosen(mc, nc, kc, pa, pb, c, ldc);
-#else
-    macroKernelBaseline(mc, nc, kc, pa, pb, c, ldc);
-#endif
-}
+OBRIX_SIMD_DISPATCH(void, macroKernel,
+                    (int mc, int nc, int kc, const double* pa, const double* pb, double* c,
+                     int ldc),
+                    (mc, nc, kc, pa, pb, c, ldc))
 
 } // namespace
-
-int simdLevel() {
-#if defined(__GNUC__) && defined(__x86_64__)
-    static const int level = [] {
-        __builtin_cpu_init();
-        int widest = __builtin_cpu_supports("avx512f")                                 ? 2
-                     : __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma") ? 1
-                                                                                       : 0;
-        // OBRIX_KERNEL_SIMD=0 or 1 caps the choice, so the narrower paths can be tested and
-        // compared on a processor that has the wider ones.
-        if (const char* cap = std::getenv("OBRIX_KERNEL_SIMD"))
-            if (cap[0] >= '0' && cap[0] <= '2' && cap[1] == '\0')
-                widest = std::min(widest, cap[0] - '0');
-        return widest;
-    }();
-    return level;
-#else
-    return 0;
-#endif
-}
 
 void gemmMinus(bool transA, int m, int n, int k, const double* a, int lda, const double* b, int ldb,
                double* c, int ldc) {
