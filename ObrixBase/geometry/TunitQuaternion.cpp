@@ -153,6 +153,8 @@ TunitQuaternion T4dDblVector::rotateTo(const T4dDblVector& target) const noexcep
     // setToPivotAxis gives up at a squared axis length of 1e-9, so nearly parallel or short
     // vectors whose cross product is that small yield the identity.
     return TunitQuaternion(angle, axis);
+}
+
 T4dDblVector TunitQuaternion::log() const noexcept {
     // q and −q are one rotation: take the representative with w >= 0, so the half angle
     // stays in [0, π/2] and the log is continuous across the identity.
