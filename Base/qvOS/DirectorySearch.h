@@ -26,7 +26,7 @@ public:
 
     /// Starts listing directory dir ("." and ".." included, as both systems report them),
     /// closing any earlier listing first. A trailing separator is allowed. Errors: empty dir is
-    /// InvalidArgument, a missing dir NotFound, a file Failed, with the system's message.
+    /// InvalidArgument; a missing dir, or a file, NotFound; with the system's message.
     qvUtil::Error open(const qvString::CString& dir);
     /// The next name (without the directory); false at the end or when nothing is open.
     bool next(qvString::CString& name);

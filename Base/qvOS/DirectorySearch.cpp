@@ -1,0 +1,7 @@
+#include "Base/qvOS/DirectorySearch.h"
+
+namespace qvOS {
+
+DirectorySearch::~DirectorySearch() { close(); }
+
+} // namespace qvOS
