@@ -117,6 +117,8 @@ public:
     NativeHandle nativeHandle() const noexcept;
     /// Gives up the connection: returns its handle (-1 when closed), which the caller now owns
     /// and must close, e.g. after handing it to an event loop of its own. The socket is closed.
+    /// Windows before 8.1 cannot hand a socket over: there the connection is closed and -1
+    /// returned.
     NativeHandle releaseNativeHandle() noexcept;
 
 protected:
@@ -171,7 +173,9 @@ public:
     /// Opens the listening socket. Errors: ErrorBadAddress for a port outside -1..65535;
     /// ErrorSystem (with the port and the system's text) when the port is taken or the
     /// system refuses. Listening again first closes the present listening socket.
-    /// A fixed port can be listened on again at once after a previous server on it closed.
+    /// POSIX: a fixed port can be listened on again at once after a previous server on it
+    /// closed, even while its old connections linger. Windows: the port is held exclusively, so
+    /// no other process can take it over while the server listens.
     qvUtil::Error listen();
     /// The port listened on (the chosen one when any free port was asked for); before a
     /// successful listen, the port given to the constructor.
