@@ -17,7 +17,8 @@ const char* const Schema = "CREATE TABLE IF NOT EXISTS entries("
                            " key TEXT PRIMARY KEY,"
                            " file TEXT NOT NULL UNIQUE,"
                            " size INTEGER NOT NULL,"
-                           " atime INTEGER NOT NULL);"
+                           " atime INTEGER NOT NULL,"
+                           " used INTEGER NOT NULL DEFAULT 0);"
                            "CREATE TABLE IF NOT EXISTS counters("
                            " name TEXT PRIMARY KEY,"
                            " value INTEGER NOT NULL);";
@@ -74,7 +75,7 @@ qvUtil::Error CacheIndex::open(const std::filesystem::path& file, bool readOnly)
 
 qvUtil::Error CacheIndex::load(std::vector<IndexEntry>& entries, IndexCounters& counters) {
     sqlite3_stmt* raw = nullptr;
-    if (sqlite3_prepare_v2(db_, "SELECT key, file, size, atime FROM entries ORDER BY atime, rowid",
+    if (sqlite3_prepare_v2(db_, "SELECT key, file, size, atime, used FROM entries ORDER BY used, rowid",
                            -1, &raw, nullptr) != SQLITE_OK)
         return fail("load");
     Statement select(raw);
@@ -82,7 +83,7 @@ qvUtil::Error CacheIndex::load(std::vector<IndexEntry>& entries, IndexCounters& 
     while ((rc = sqlite3_step(raw)) == SQLITE_ROW)
         entries.push_back({columnText(raw, 0), columnText(raw, 1),
                            static_cast<std::uint64_t>(sqlite3_column_int64(raw, 2)),
-                           sqlite3_column_int64(raw, 3)});
+                           sqlite3_column_int64(raw, 3), sqlite3_column_int64(raw, 4)});
     if (rc != SQLITE_DONE)
         return fail("load");
     if (sqlite3_prepare_v2(db_, "SELECT name, value FROM counters", -1, &raw, nullptr) !=
@@ -104,7 +105,7 @@ qvUtil::Error CacheIndex::load(std::vector<IndexEntry>& entries, IndexCounters& 
 
 qvUtil::Error CacheIndex::insert(const IndexEntry& entry) {
     sqlite3_stmt* raw = nullptr;
-    if (sqlite3_prepare_v2(db_, "INSERT INTO entries(key, file, size, atime) VALUES(?,?,?,?)", -1,
+    if (sqlite3_prepare_v2(db_, "INSERT INTO entries(key, file, size, atime, used) VALUES(?,?,?,?,?)", -1,
                            &raw, nullptr) != SQLITE_OK)
         return fail("insert");
     Statement insert(raw);
@@ -112,6 +113,7 @@ qvUtil::Error CacheIndex::insert(const IndexEntry& entry) {
     bindText(raw, 2, entry.file);
     sqlite3_bind_int64(raw, 3, static_cast<sqlite3_int64>(entry.size));
     sqlite3_bind_int64(raw, 4, entry.accessTime);
+    sqlite3_bind_int64(raw, 5, entry.useOrder);
     return sqlite3_step(raw) == SQLITE_DONE ? qvUtil::Error() : fail("insert");
 }
 
@@ -163,22 +165,22 @@ qvUtil::Error CacheIndex::erase(const std::vector<std::string>& keys,
     return err;
 }
 
-qvUtil::Error CacheIndex::saveAccess(
-    const std::vector<std::pair<std::string, std::int64_t>>& times,
-    const IndexCounters& counters) {
+qvUtil::Error CacheIndex::saveAccess(const std::vector<IndexEntry>& used,
+                                     const IndexCounters& counters) {
     if (auto err = exec("BEGIN IMMEDIATE"); err.isError())
         return err;
     sqlite3_stmt* raw = nullptr;
     qvUtil::Error err;
-    if (sqlite3_prepare_v2(db_, "UPDATE entries SET atime = ? WHERE key = ?", -1, &raw,
+    if (sqlite3_prepare_v2(db_, "UPDATE entries SET atime = ?, used = ? WHERE key = ?", -1, &raw,
                            nullptr) != SQLITE_OK) {
         err = fail("access times");
     } else {
         Statement update(raw);
-        for (const auto& [key, time] : times) {
+        for (const IndexEntry& entry : used) {
             sqlite3_reset(raw);
-            sqlite3_bind_int64(raw, 1, time);
-            bindText(raw, 2, key);
+            sqlite3_bind_int64(raw, 1, entry.accessTime);
+            sqlite3_bind_int64(raw, 2, entry.useOrder);
+            bindText(raw, 3, entry.key);
             if (sqlite3_step(raw) != SQLITE_DONE) {
                 err = fail("access times");
                 break;

@@ -23,6 +23,8 @@ struct IndexEntry {
     std::string file;
     std::uint64_t size = 0;
     std::int64_t accessTime = 0; ///< seconds since 1970-01-01 UTC
+    /// The order of last use, finer than accessTime's seconds: a larger value is more recent.
+    std::int64_t useOrder = 0;
 };
 
 struct IndexCounters {
@@ -52,9 +54,8 @@ public:
     qvUtil::Error insert(const IndexEntry& entry);
     /// Deletes the entries of `keys` and stores `counters`, together.
     qvUtil::Error erase(const std::vector<std::string>& keys, const IndexCounters& counters);
-    /// Stores last-use times and the counters, together.
-    qvUtil::Error saveAccess(const std::vector<std::pair<std::string, std::int64_t>>& times,
-                             const IndexCounters& counters);
+    /// Stores last-use times and orders, and the counters, together.
+    qvUtil::Error saveAccess(const std::vector<IndexEntry>& used, const IndexCounters& counters);
     /// Deletes every entry; the counters stay.
     qvUtil::Error clear();
 

@@ -293,9 +293,13 @@ private:
 
     // Later servers find the owner through owner.port, which no client touches; clients find
     // it through the lock file, which a client deletes when it cannot connect.
+    // owner.port also names the owner's process, for operators (and fault tests) that need
+    // to find it.
     void publish() {
         const std::string text = std::to_string(port_) + "\n";
-        writeFileAtomically((directory_ / OwnerPortName).string(), text);
+        writeFileAtomically((directory_ / OwnerPortName).string(),
+                            std::to_string(port_) + " " +
+                                std::to_string(qvOS::ProcessManager::currentId()) + "\n");
         writeFileAtomically((directory_ / qvObrixBase::FileCacheProtocol::LockFileName).string(),
                             text);
     }

@@ -1,5 +1,6 @@
 #include "programs/qvcached/CacheStore.h"
 
+#include <algorithm>
 #include <ctime>
 #include <utility>
 #include <vector>
@@ -45,6 +46,7 @@ qvUtil::Error CacheStore::open() {
         entry.lru = lru_.insert(lru_.end(), &entry);
         keyByFile_[entry.data.file] = entry.data.key;
         totalBytes_ += entry.data.size;
+        lastUse_ = std::max(lastUse_, entry.data.useOrder);
     }
     return {};
 }
@@ -60,6 +62,7 @@ fs::path CacheStore::filePath(const Entry& entry) const {
 
 void CacheStore::touch(Entry& entry, std::int64_t time) {
     entry.data.accessTime = time;
+    entry.data.useOrder = ++lastUse_;
     lru_.splice(lru_.end(), lru_, entry.lru);
     dirtyTimes_.insert(entry.data.key);
 }
@@ -136,7 +139,7 @@ bool CacheStore::add(ConnectionId connection, const std::string& key, const std:
         freeBytes < MinFreeBytes)
         return false;
 
-    IndexEntry data{key, name, static_cast<std::uint64_t>(size), now()};
+    IndexEntry data{key, name, static_cast<std::uint64_t>(size), now(), ++lastUse_};
     if (index_.insert(data).isError())
         return false;
     Entry& entry = entries_[key];
@@ -168,6 +171,8 @@ bool CacheStore::release(ConnectionId connection, const std::string& key, bool r
         entry.removePending = true;
     if (entry.removePending && entry.holds == 0)
         discard({&entry}, false);
+    else if (entry.holds == 0)
+        evictToLimits(); // a file over the limits was kept only while it was held
     return true;
 }
 
@@ -243,11 +248,11 @@ void CacheStore::evictToLimits() {
 void CacheStore::flush() {
     if (dirtyTimes_.empty() && !countersDirty_)
         return;
-    std::vector<std::pair<std::string, std::int64_t>> times;
+    std::vector<IndexEntry> used;
     for (const std::string& key : dirtyTimes_)
         if (auto it = entries_.find(key); it != entries_.end())
-            times.emplace_back(key, it->second.data.accessTime);
-    if (index_.saveAccess(times, counters_).isOk()) {
+            used.push_back(it->second.data);
+    if (index_.saveAccess(used, counters_).isOk()) {
         dirtyTimes_.clear();
         countersDirty_ = false;
     }

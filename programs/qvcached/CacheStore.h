@@ -84,6 +84,7 @@ private:
     // Least recently used first.
     std::list<Entry*> lru_;
     std::uint64_t totalBytes_ = 0;
+    std::int64_t lastUse_ = 0;
     std::int64_t maxEntries_ = 0;
     std::int64_t maxBytes_ = 0;
     IndexCounters counters_;
