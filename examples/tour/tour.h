@@ -8,6 +8,9 @@ void tourGeometry();       // points, matrices, rotations about a pivot
 void tourNumerics();       // vectors, slices, matrices
 void tourFactorisations(); // least-squares fit
 void tourUndo();           // undo commands and redraw requests
+void tourFileCache();      // two processes sharing a cached file
+/// The second process of the file cache chapter: finds `key` in the cache at `directory`.
+int tourFileCacheReader(const char* directory, const char* key);
 
 /// Prints a chapter heading.
 void tourHeading(const char* title);
