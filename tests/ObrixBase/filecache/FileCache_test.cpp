@@ -147,7 +147,7 @@ TEST(FileCache, UnusableLockFilesAreDeletedAndANewServerIsWaitedFor) {
         ASSERT_TRUE(gone.listen().isOk());
         deadPort = gone.getPort();
     }
-    ASSERT_TRUE(qvOS::SetEnv("VESKO_FILE_CACHE_MANUAL_START", "").isOk());
+    ASSERT_TRUE(qvOS::SetEnv("VESKO_FILE_CACHE_MANUAL_START", "1").isOk());
     for (const std::string& content : {std::string(), std::string("abc"), std::to_string(deadPort)}) {
         SCOPED_TRACE("lock file holding '" + content + "'");
         ScratchDirectory dir;
