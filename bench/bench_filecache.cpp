@@ -80,7 +80,8 @@ void BM_CacheAcquire(benchmark::State& state) {
 void BM_LoopbackEcho(benchmark::State& state) {
     Cache cache; // for the reply's path length only
     const std::size_t requestBytes = 4 + 4 + Key.size();
-    const std::size_t replyBytes = 4 + (cache.dir / qvOS::Uuid().asString()).string().size() + 8 + 4;
+    const std::size_t replyBytes =
+        4 + (cache.dir / qvOS::Uuid().asString()).string().size() + 8 + 4;
     qvTCP::Server server(-1, 1);
     server.setLoopbackOnly();
     server.listen();
@@ -119,11 +120,10 @@ void BM_EightProcessesAcquireRelease(benchmark::State& state) {
     for (auto _ : state) {
         std::vector<qvOS::ProcessId> pids(Processes);
         for (int i = 0; i < Processes; ++i)
-            qvOS::ProcessManager::startAsync(
-                client,
-                {cache.dir.string(), Key, std::to_string(pairs),
-                 (cache.dir.string() + ".lat" + std::to_string(i))},
-                "", &pids[i]);
+            qvOS::ProcessManager::startAsync(client,
+                                             {cache.dir.string(), Key, std::to_string(pairs),
+                                              (cache.dir.string() + ".lat" + std::to_string(i))},
+                                             "", &pids[i]);
         for (int i = 0; i < Processes; ++i) {
             qvOS::ProcessResult result;
             qvOS::ProcessManager::wait(pids[i], 600, result);
@@ -143,7 +143,9 @@ void BM_EightProcessesAcquireRelease(benchmark::State& state) {
     }
     std::sort(all.begin(), all.end());
     auto at = [&](double q) {
-        return static_cast<double>(all[static_cast<std::size_t>(q * static_cast<double>(all.size() - 1))]) / 1000.0;
+        return static_cast<double>(
+                   all[static_cast<std::size_t>(q * static_cast<double>(all.size() - 1))]) /
+               1000.0;
     };
     state.counters["pairs"] = static_cast<double>(all.size());
     state.counters["p50_us"] = at(0.50);
@@ -157,4 +159,7 @@ void BM_EightProcessesAcquireRelease(benchmark::State& state) {
 
 BENCHMARK(BM_CacheAcquire);
 BENCHMARK(BM_LoopbackEcho);
-BENCHMARK(BM_EightProcessesAcquireRelease)->Iterations(1)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_EightProcessesAcquireRelease)
+    ->Iterations(1)
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond);

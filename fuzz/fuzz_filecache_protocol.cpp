@@ -20,11 +20,13 @@ namespace {
 class Recorder : public qvObrixBase::FileCacheProtocolServer {
 public:
     std::vector<std::string> seen;
-    qvUtil::Error initialize(const qvString::CString& directory, int n, std::int64_t limit) override {
+    qvUtil::Error initialize(const qvString::CString& directory, int n,
+                             std::int64_t limit) override {
         seen.push_back("0 " + directory + " " + std::to_string(n) + " " + std::to_string(limit));
         return qvUtil::Error(3, "%s", "100%% refused");
     }
-    bool acquire(const qvString::CString& key, qvString::CString& path, std::int64_t& time) override {
+    bool acquire(const qvString::CString& key, qvString::CString& path,
+                 std::int64_t& time) override {
         seen.push_back("1 " + key);
         path = key;
         time = 7;

@@ -17,7 +17,7 @@ qvUtil::Error FileLock::tryLock(const qvString::CString& path) {
     unlock();
     const int fd = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     if (fd < 0) {
-        const int code = errno == ENOENT ? OSError::NotFound
+        const int code = errno == ENOENT   ? OSError::NotFound
                          : errno == EACCES ? OSError::PermissionDenied
                                            : OSError::Failed;
         return qvUtil::Error(code, "cannot open %s: %s", path.c_str(), std::strerror(errno));

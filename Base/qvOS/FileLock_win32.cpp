@@ -30,7 +30,7 @@ qvUtil::Error FileLock::tryLock(const qvString::CString& path) {
                               OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (file == INVALID_HANDLE_VALUE) {
         const DWORD err = GetLastError();
-        const int code = err == ERROR_PATH_NOT_FOUND ? OSError::NotFound
+        const int code = err == ERROR_PATH_NOT_FOUND  ? OSError::NotFound
                          : err == ERROR_ACCESS_DENIED ? OSError::PermissionDenied
                                                       : OSError::Failed;
         return qvUtil::Error(code, "cannot open %s: %s", path.c_str(), systemText(err).c_str());

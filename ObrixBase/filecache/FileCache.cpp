@@ -138,12 +138,15 @@ public:
     std::pmr::map<qvString::CString, ItemImpl*> items;
 };
 
-FileCache::FileCache() : impl_(new CacheImpl), ownsImpl_(true) {}
+FileCache::FileCache() : impl_(new CacheImpl), ownsImpl_(true) {
+}
 
-FileCache::FileCache(const FileCache& other) : impl_(other.impl_), ownsImpl_(false) {}
+FileCache::FileCache(const FileCache& other) : impl_(other.impl_), ownsImpl_(false) {
+}
 
 FileCache::FileCache(FileCache&& other) noexcept
-    : impl_(other.impl_), ownsImpl_(std::exchange(other.ownsImpl_, false)) {}
+    : impl_(other.impl_), ownsImpl_(std::exchange(other.ownsImpl_, false)) {
+}
 
 FileCache& FileCache::operator=(const FileCache& other) {
     if (this != &other) {
@@ -193,6 +196,8 @@ qvUtil::Error FileCache::initialize(const qvString::CString& directory, int maxE
                 impl_->socket = std::move(connection);
                 return err;
             }
+            // The protocol must not keep pointing at the socket that goes here.
+            impl_->protocol = FileCacheProtocolClient();
             connection.reset();
         }
         std::remove(lockPath.c_str());

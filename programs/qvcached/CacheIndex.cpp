@@ -56,9 +56,8 @@ qvUtil::Error CacheIndex::open(const std::filesystem::path& file, bool readOnly)
         // SQLite gives its log and shared-memory files the database's permissions, so
         // creating the database for the user alone covers all three.
         std::ofstream(file, std::ios::binary | std::ios::app).close();
-        std::filesystem::permissions(file, std::filesystem::perms::owner_read |
-                                               std::filesystem::perms::owner_write,
-                                     ec);
+        std::filesystem::permissions(
+            file, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write, ec);
     }
     const int flags = readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
     if (sqlite3_open_v2(path_.c_str(), &db_, flags, nullptr) != SQLITE_OK)
@@ -75,7 +74,8 @@ qvUtil::Error CacheIndex::open(const std::filesystem::path& file, bool readOnly)
 
 qvUtil::Error CacheIndex::load(std::vector<IndexEntry>& entries, IndexCounters& counters) {
     sqlite3_stmt* raw = nullptr;
-    if (sqlite3_prepare_v2(db_, "SELECT key, file, size, atime, used FROM entries ORDER BY used, rowid",
+    if (sqlite3_prepare_v2(db_,
+                           "SELECT key, file, size, atime, used FROM entries ORDER BY used, rowid",
                            -1, &raw, nullptr) != SQLITE_OK)
         return fail("load");
     Statement select(raw);
@@ -86,8 +86,7 @@ qvUtil::Error CacheIndex::load(std::vector<IndexEntry>& entries, IndexCounters& 
                            sqlite3_column_int64(raw, 3), sqlite3_column_int64(raw, 4)});
     if (rc != SQLITE_DONE)
         return fail("load");
-    if (sqlite3_prepare_v2(db_, "SELECT name, value FROM counters", -1, &raw, nullptr) !=
-        SQLITE_OK)
+    if (sqlite3_prepare_v2(db_, "SELECT name, value FROM counters", -1, &raw, nullptr) != SQLITE_OK)
         return fail("load counters");
     Statement names(raw);
     while ((rc = sqlite3_step(raw)) == SQLITE_ROW) {
@@ -105,8 +104,9 @@ qvUtil::Error CacheIndex::load(std::vector<IndexEntry>& entries, IndexCounters& 
 
 qvUtil::Error CacheIndex::insert(const IndexEntry& entry) {
     sqlite3_stmt* raw = nullptr;
-    if (sqlite3_prepare_v2(db_, "INSERT INTO entries(key, file, size, atime, used) VALUES(?,?,?,?,?)", -1,
-                           &raw, nullptr) != SQLITE_OK)
+    if (sqlite3_prepare_v2(db_,
+                           "INSERT INTO entries(key, file, size, atime, used) VALUES(?,?,?,?,?)",
+                           -1, &raw, nullptr) != SQLITE_OK)
         return fail("insert");
     Statement insert(raw);
     bindText(raw, 1, entry.key);

@@ -99,19 +99,19 @@ private:
 
     void pump(tcp::socket& from, tcp::socket& to, Buffer& buffer) {
         auto self = shared_from_this();
-        from.async_read_some(asio::buffer(buffer), [self, &from, &to, &buffer](
-                                                       const boost::system::error_code& ec,
-                                                       std::size_t n) {
-            if (ec)
-                return self->stop();
-            asio::async_write(to, asio::buffer(buffer.data(), n),
-                              [self, &from, &to, &buffer](const boost::system::error_code& wec,
-                                                          std::size_t) {
-                                  if (wec)
-                                      return self->stop();
-                                  self->pump(from, to, buffer);
-                              });
-        });
+        from.async_read_some(
+            asio::buffer(buffer),
+            [self, &from, &to, &buffer](const boost::system::error_code& ec, std::size_t n) {
+                if (ec)
+                    return self->stop();
+                asio::async_write(
+                    to, asio::buffer(buffer.data(), n),
+                    [self, &from, &to, &buffer](const boost::system::error_code& wec, std::size_t) {
+                        if (wec)
+                            return self->stop();
+                        self->pump(from, to, buffer);
+                    });
+            });
     }
 
     void stop() {
@@ -139,8 +139,8 @@ public:
                                      static_cast<unsigned short>(options_.port)),
                        ec);
         if (ec) {
-            error = "cannot connect to the application on port " +
-                    std::to_string(options_.port) + ": " + ec.message();
+            error = "cannot connect to the application on port " + std::to_string(options_.port) +
+                    ": " + ec.message();
             return 1;
         }
         addConnection(std::move(socket));
@@ -206,8 +206,9 @@ public:
             std::error_code ec;
             const fs::path asked = fs::weakly_canonical(fs::absolute(request.text, ec), ec);
             if (ec || asked != directory_) {
-                putError(out, 1, "this cache server serves " + directory_.string() + ", not " +
-                                     request.text);
+                putError(out, 1,
+                         "this cache server serves " + directory_.string() + ", not " +
+                             request.text);
                 break;
             }
             store_->setLimits(request.number, request.number64);
@@ -450,8 +451,7 @@ void Connection::process() {
             server_.setup(request.text) == Server::Role::Relay) {
             // Everything from this request on belongs to the owner.
             closed_ = true;
-            server_.startRelay(std::move(socket_),
-                               std::string(in_.data() + begin_, end_ - begin_));
+            server_.startRelay(std::move(socket_), std::string(in_.data() + begin_, end_ - begin_));
             server_.forget(id_);
             return;
         }

@@ -18,15 +18,16 @@ constexpr std::uint64_t MinFreeBytes = 64 * 1024;
 
 } // namespace
 
-CacheStore::CacheStore(fs::path directory) : directory_(std::move(directory)) {}
+CacheStore::CacheStore(fs::path directory) : directory_(std::move(directory)) {
+}
 
 std::int64_t CacheStore::now() {
     return static_cast<std::int64_t>(std::time(nullptr));
 }
 
 bool CacheStore::isServerFile(const std::string& name) {
-    static const char* const own[] = {"lockfile.lck", "owner.lck", "owner.port",
-                                      "index.sqlite", "index.sqlite-wal", "index.sqlite-shm",
+    static const char* const own[] = {"lockfile.lck",        "owner.lck",        "owner.port",
+                                      "index.sqlite",        "index.sqlite-wal", "index.sqlite-shm",
                                       "index.sqlite-journal"};
     for (const char* n : own)
         if (name == n)

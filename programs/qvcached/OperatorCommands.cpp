@@ -39,7 +39,8 @@ int printStats(const std::string& directory, std::ostream& out, std::string& err
     CacheIndex index;
     std::vector<IndexEntry> entries;
     IndexCounters counters;
-    if (auto err = index.open(file, true); err.isError() || (err = index.load(entries, counters)).isError()) {
+    if (auto err = index.open(file, true);
+        err.isError() || (err = index.load(entries, counters)).isError()) {
         error = err.message();
         return 1;
     }

@@ -51,8 +51,8 @@ DecodeStatus decodeRequest(const char* data, std::size_t size, Request& request,
     bool complete = false;
     switch (code) {
     case static_cast<std::int32_t>(FileCacheRequest::Initialize):
-        complete = in.takeString(request.text) && in.take(request.number) &&
-                   in.take(request.number64);
+        complete =
+            in.takeString(request.text) && in.take(request.number) && in.take(request.number64);
         break;
     case static_cast<std::int32_t>(FileCacheRequest::Acquire):
     case static_cast<std::int32_t>(FileCacheRequest::SetAccessed):

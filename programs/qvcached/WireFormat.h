@@ -34,8 +34,7 @@ enum class DecodeStatus {
 /// Decodes the request at the front of data[0, size). Every string length is checked against
 /// qvTCP::Socket::MaxFrameBytes before any byte of it is copied, so no input makes this
 /// allocate more than that per string.
-DecodeStatus decodeRequest(const char* data, std::size_t size, Request& request,
-                           std::size_t& used);
+DecodeStatus decodeRequest(const char* data, std::size_t size, Request& request, std::size_t& used);
 
 /// Reply values, appended in the wire's layout.
 void putInt(std::string& out, std::int32_t value);

@@ -49,7 +49,8 @@ int main(int argc, char** argv) {
             return 0;
         }
         if (i + 1 >= argc)
-            return fail(arg.rfind("--", 0) == 0 ? arg + " needs a value" : "unknown argument " + arg);
+            return fail(arg.rfind("--", 0) == 0 ? arg + " needs a value"
+                                                : "unknown argument " + arg);
         const char* value = argv[++i];
         double number = 0;
         if (arg == "--port") {

@@ -17,7 +17,8 @@ struct Wire {
         qvTCP::Server server(-1, 1);
         server.setLoopbackOnly();
         server.listen();
-        auto client = std::make_unique<qvTCP::ClientSocket>(qvTCP::Address::loopback(server.getPort()));
+        auto client =
+            std::make_unique<qvTCP::ClientSocket>(qvTCP::Address::loopback(server.getPort()));
         client->connect();
         server.accept(5.0, far);
         near = std::move(client);
@@ -58,8 +59,8 @@ TEST(FileCacheProtocolClient, WritesEachRequestAndReadsEachReplyByteForByte) {
         return std::thread([&, n, reply] { sent = exchange(*wire.far, n, reply); });
     };
 
-    std::string request = bytes({raw<std::int32_t>(0), frame("/d"), raw<std::int32_t>(-3),
-                                 raw<std::int64_t>(1ll << 40)});
+    std::string request = bytes(
+        {raw<std::int32_t>(0), frame("/d"), raw<std::int32_t>(-3), raw<std::int64_t>(1ll << 40)});
     auto t = peer(request.size(), raw<std::int32_t>(0) + frame("ignored"));
     EXPECT_TRUE(client.initialize("/d", -3, 1ll << 40).isOk()); // code 0: success whatever the text
     t.join();

@@ -148,7 +148,8 @@ TEST(FileCache, UnusableLockFilesAreDeletedAndANewServerIsWaitedFor) {
         deadPort = gone.getPort();
     }
     ASSERT_TRUE(qvOS::SetEnv("VESKO_FILE_CACHE_MANUAL_START", "1").isOk());
-    for (const std::string& content : {std::string(), std::string("abc"), std::to_string(deadPort)}) {
+    for (const std::string& content :
+         {std::string(), std::string("abc"), std::to_string(deadPort)}) {
         SCOPED_TRACE("lock file holding '" + content + "'");
         ScratchDirectory dir;
         dir.write("lockfile.lck", content);
@@ -173,4 +174,31 @@ TEST(FileCache, UnusableLockFilesAreDeletedAndANewServerIsWaitedFor) {
         }
     }
     qvOS::SetEnv("VESKO_FILE_CACHE_MANUAL_START", nullptr);
+}
+
+// A joined listener that answers garbage, then a server that cannot start: initialize fails,
+// and the cache is left unconnected rather than holding on to the dropped connection.
+TEST(FileCache, AFailedJoinAndStartLeaveTheCacheSafelyUnconnected) {
+    ScratchDirectory dir, helpers;
+    helpers.write("qvcached", "not a program");
+    helpers.write("qvcached.exe", "not a program");
+    qvTCP::Server garbage(-1, 1);
+    garbage.setLoopbackOnly();
+    ASSERT_TRUE(garbage.listen().isOk());
+    dir.write("lockfile.lck", std::to_string(garbage.getPort()));
+    std::thread sender([&] {
+        std::unique_ptr<qvTCP::Socket> peer;
+        garbage.accept(10, peer);
+        const std::string junk(16, '\xff'); // an error code, then a 4 GB frame
+        if (peer)
+            peer->write(junk.data(), junk.size());
+    });
+    ASSERT_TRUE(qvOS::SetEnv("OBRIX_HELPER_DIR", helpers.str().c_str()).isOk());
+    FileCache cache;
+    EXPECT_TRUE(cache.initialize(dir.str(), 0, 0).isError());
+    qvOS::SetEnv("OBRIX_HELPER_DIR", nullptr);
+    sender.join();
+    EXPECT_FALSE(std::filesystem::exists(dir.path / "lockfile.lck"));
+    EXPECT_FALSE(cache.find("k"));
+    EXPECT_FALSE(cache.add("k", cache.generatePath()));
 }

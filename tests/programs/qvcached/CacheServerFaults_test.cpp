@@ -29,9 +29,9 @@ struct Faults : ::testing::Test {
 
     qvOS::ProcessId probe(const std::string& command, const std::string& key, long number) const {
         qvOS::ProcessId pid = 0;
-        const qvUtil::Error err = ProcessManager::startAsync(
-            qvOS::AppMain::getBinaryPath("filecache_probe"),
-            {dir.str(), command, key, std::to_string(number)}, "", &pid);
+        const qvUtil::Error err =
+            ProcessManager::startAsync(qvOS::AppMain::getBinaryPath("filecache_probe"),
+                                       {dir.str(), command, key, std::to_string(number)}, "", &pid);
         EXPECT_TRUE(err.isOk()) << err.message();
         return pid;
     }
@@ -214,9 +214,8 @@ TEST_F(Faults, AFullDiskNeverLeadsToAServedTruncatedFile) {
     const fs::path mountPoint = dir.path / "small";
     fs::create_directories(mountPoint);
     qvOS::ProcessResult result;
-    ProcessManager::runSync("/bin/mount", {"-t", "tmpfs", "-o", "size=2m", "tmpfs",
-                                           mountPoint.string()},
-                            {}, result);
+    ProcessManager::runSync(
+        "/bin/mount", {"-t", "tmpfs", "-o", "size=2m", "tmpfs", mountPoint.string()}, {}, result);
     if (result.exitCode != 0)
         GTEST_SKIP() << "cannot mount a tmpfs here (needs root or a user namespace)";
     {

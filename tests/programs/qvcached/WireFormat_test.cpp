@@ -36,8 +36,8 @@ TEST(WireFormat, RequestsDecodeOnlyWhenWholeAndOverlongFramesAreRefusedUnread) {
     const std::string huge = raw<std::int32_t>(1) + raw<std::uint32_t>(0xFFFFFFFFu);
     EXPECT_EQ(qvcached::decodeRequest(huge.data(), huge.size(), request, used),
               DecodeStatus::FrameTooLong);
-    const std::string release = raw<std::int32_t>(3) + raw<std::uint32_t>(1) + "k" +
-                                raw<std::int32_t>(-2);
+    const std::string release =
+        raw<std::int32_t>(3) + raw<std::uint32_t>(1) + "k" + raw<std::int32_t>(-2);
     ASSERT_EQ(qvcached::decodeRequest(release.data(), release.size(), request, used),
               DecodeStatus::Complete);
     EXPECT_TRUE(request.flag); // any non-zero bool is true
