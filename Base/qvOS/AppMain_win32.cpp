@@ -21,7 +21,9 @@ static qvString::CString moduleFileName(HMODULE module) {
     }
 }
 
-qvString::CString AppMain::getExecutablePath() { return moduleFileName(nullptr); }
+qvString::CString AppMain::getExecutablePath() {
+    return moduleFileName(nullptr);
+}
 
 qvString::CString AppMain::getLibraryPath() {
     // The module that holds this very function is libBase's DLL.

@@ -2,6 +2,8 @@
 
 namespace qvOS {
 
-DirectorySearch::~DirectorySearch() { close(); }
+DirectorySearch::~DirectorySearch() {
+    close();
+}
 
 } // namespace qvOS

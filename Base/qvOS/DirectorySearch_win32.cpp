@@ -23,6 +23,10 @@ qvUtil::Error DirectorySearch::open(const qvString::CString& dir) {
         // "Nothing matches" from an existing directory (a drive root lists no "." or "..").
         if (err == ERROR_FILE_NOT_FOUND || err == ERROR_NO_MORE_FILES)
             return detail::pathError(NoEntries, what, dir, "the directory lists nothing");
+        // A file named as the directory gets the same answer on every Windows version.
+        DWORD attributes = GetFileAttributesW(dir.toWide().c_str());
+        if (attributes != INVALID_FILE_ATTRIBUTES && !(attributes & FILE_ATTRIBUTE_DIRECTORY))
+            err = ERROR_DIRECTORY;
         return detail::systemError(static_cast<long>(err), what, dir);
     }
     handle_ = h;

@@ -19,13 +19,20 @@ static CString bothPaths(const CString& from, const CString& to) {
 
 static std::uint32_t modeBitsOf(fs::file_type type) {
     switch (type) {
-    case fs::file_type::regular: return 0x8000;
-    case fs::file_type::directory: return 0x4000;
-    case fs::file_type::character: return 0x2000;
-    case fs::file_type::block: return 0x6000;
-    case fs::file_type::fifo: return 0x1000;
-    case fs::file_type::socket: return 0xC000;
-    default: return 0;
+    case fs::file_type::regular:
+        return 0x8000;
+    case fs::file_type::directory:
+        return 0x4000;
+    case fs::file_type::character:
+        return 0x2000;
+    case fs::file_type::block:
+        return 0x6000;
+    case fs::file_type::fifo:
+        return 0x1000;
+    case fs::file_type::socket:
+        return 0xC000;
+    default:
+        return 0;
     }
 }
 
@@ -96,17 +103,15 @@ qvUtil::Error fileCopy(const CString& from, const CString& to, bool overwrite) {
     if (auto e = checkSource(what, from, st); e.isError())
         return e;
     if (st.type() != fs::file_type::regular)
-        return detail::fromErrorCode(what, from,
-                                     std::make_error_code(std::errc::is_a_directory));
+        return detail::fromErrorCode(what, from, std::make_error_code(std::errc::is_a_directory));
     if (auto e = checkTarget(what, to, overwrite, false); e.isError())
         return e;
 
     // The bytes go to a hidden temporary beside the target (same directory, so the same file
     // system) and are renamed into place only when complete: readers never see a partial
     // target, and a failure leaves the old target, if any, as it was.
-    CString temporary = Filename::join(Filename::directory(to),
-                                       "." + Filename::base(to) + ".tmp-" +
-                                           Uuid().asString().substr(0, 8));
+    CString temporary = Filename::join(Filename::directory(to), "." + Filename::base(to) + ".tmp-" +
+                                                                    Uuid().asString().substr(0, 8));
     std::error_code ec;
     fs::copy_file(detail::toPath(from), detail::toPath(temporary), ec);
     if (ec) {
@@ -115,7 +120,9 @@ qvUtil::Error fileCopy(const CString& from, const CString& to, bool overwrite) {
         return detail::fromErrorCode(what, bothPaths(from, to), ec);
     }
     bool crossDevice = false;
-    qvUtil::Error e = detail::renameFile(temporary, to, overwrite, crossDevice);
+    qvUtil::Error e = detail::syncFile(temporary);
+    if (e.isOk())
+        e = detail::renameFile(temporary, to, overwrite, crossDevice);
     if (e.isError()) {
         std::error_code ignored;
         fs::remove(detail::toPath(temporary), ignored);

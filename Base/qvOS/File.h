@@ -20,9 +20,10 @@ enum class FileType { Missing, Regular, Directory, Other };
 struct FileInfo {
     bool exists = false;
     FileType type = FileType::Missing;
-    std::uint32_t modeBits = 0; ///< st_mode & 0xF000 form on both systems: 0x4000 dir, 0x8000 regular
-    std::uint64_t size = 0;     ///< bytes; 0 for a directory
-    std::int64_t modified = 0;  ///< seconds since 1970-01-01 UTC
+    std::uint32_t modeBits =
+        0;                  ///< st_mode & 0xF000 form on both systems: 0x4000 dir, 0x8000 regular
+    std::uint64_t size = 0; ///< bytes; 0 for a directory
+    std::int64_t modified = 0; ///< seconds since 1970-01-01 UTC
 };
 
 /// Queries about a path.

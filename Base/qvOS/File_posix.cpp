@@ -4,13 +4,24 @@
 #include <cstdio>
 
 #include <fcntl.h>
+#include <unistd.h>
 
 #include "Base/qvOS/SystemError_internal.h"
 
 namespace qvOS::detail {
 
-qvUtil::Error renameFile(const qvString::CString& from, const qvString::CString& to,
-                         bool overwrite, bool& crossDevice) {
+qvUtil::Error syncFile(const qvString::CString& path) {
+    int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0)
+        return lastSystemError("Cannot write", path);
+    int rc = ::fsync(fd);
+    qvUtil::Error e = rc == 0 ? qvUtil::Error() : lastSystemError("Cannot write", path);
+    ::close(fd);
+    return e;
+}
+
+qvUtil::Error renameFile(const qvString::CString& from, const qvString::CString& to, bool overwrite,
+                         bool& crossDevice) {
     crossDevice = false;
     const char* what = "Cannot move";
 #ifdef RENAME_NOREPLACE

@@ -6,8 +6,23 @@
 
 namespace qvOS::detail {
 
-qvUtil::Error renameFile(const qvString::CString& from, const qvString::CString& to,
-                         bool overwrite, bool& crossDevice) {
+qvUtil::Error syncFile(const qvString::CString& path) {
+    HANDLE h = CreateFileW(path.toWide().c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                           OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (h == INVALID_HANDLE_VALUE) {
+        // A copy of a read-only file is read-only too and cannot be opened for the flush; its
+        // bytes are complete, only left to the system's own write-back.
+        if (GetLastError() == ERROR_ACCESS_DENIED)
+            return {};
+        return lastSystemError("Cannot write", path);
+    }
+    qvUtil::Error e = FlushFileBuffers(h) ? qvUtil::Error() : lastSystemError("Cannot write", path);
+    CloseHandle(h);
+    return e;
+}
+
+qvUtil::Error renameFile(const qvString::CString& from, const qvString::CString& to, bool overwrite,
+                         bool& crossDevice) {
     crossDevice = false;
     // Without MOVEFILE_REPLACE_EXISTING the system itself refuses an existing target, in the
     // same step as the rename.

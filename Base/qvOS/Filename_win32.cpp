@@ -6,11 +6,17 @@
 
 namespace qvOS {
 
-char Filename::separator() noexcept { return '\\'; }
+char Filename::separator() noexcept {
+    return '\\';
+}
 
-bool Filename::isSeparator(char c) noexcept { return c == '/' || c == '\\'; }
+bool Filename::isSeparator(char c) noexcept {
+    return c == '/' || c == '\\';
+}
 
-bool Filename::hasDrives() noexcept { return true; }
+bool Filename::hasDrives() noexcept {
+    return true;
+}
 
 bool Filename::isAbsolute(const char* path) noexcept {
     if (!path || !path[0])
@@ -22,6 +28,8 @@ bool Filename::isAbsolute(const char* path) noexcept {
            isSeparator(path[2]);
 }
 
-int Filename::currentDrive() noexcept { return _getdrive(); }
+int Filename::currentDrive() noexcept {
+    return _getdrive();
+}
 
 } // namespace qvOS

@@ -7,7 +7,9 @@
 
 namespace qvOS {
 
-MemoryMappedFile::~MemoryMappedFile() { unmap(); }
+MemoryMappedFile::~MemoryMappedFile() {
+    unmap();
+}
 
 MemoryMappedFile::MemoryMappedFile(MemoryMappedFile&& other) noexcept
     : data_(std::exchange(other.data_, nullptr)), size_(std::exchange(other.size_, 0)),

@@ -35,8 +35,8 @@ qvUtil::Error MemoryMappedFile::mapFile(const qvString::CString& path, std::uint
         if (::fstat(fd, &st) != 0)
             return fail(detail::lastSystemError(what, path));
         if (!S_ISREG(st.st_mode))
-            return fail(detail::pathError(OSError::InvalidArgument, what, path,
-                                          "not a regular file"));
+            return fail(
+                detail::pathError(OSError::InvalidArgument, what, path, "not a regular file"));
         if (st.st_size == 0)
             return fail(detail::pathError(OSError::InvalidArgument, what, path,
                                           "the file is empty; there is nothing to map"));
@@ -68,9 +68,8 @@ qvUtil::Error MemoryMappedFile::createAnonymous(std::uint64_t size) {
                      MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (p == MAP_FAILED)
         return detail::lastSystemError(
-            "Cannot map",
-            qvString::CString::format("%llu bytes of scratch memory",
-                                      static_cast<unsigned long long>(size)));
+            "Cannot map", qvString::CString::format("%llu bytes of scratch memory",
+                                                    static_cast<unsigned long long>(size)));
     data_ = p;
     size_ = size;
     return {};

@@ -13,10 +13,10 @@ qvUtil::Error MemoryMappedFile::mapFile(const qvString::CString& path, std::uint
     const char* what = create ? "Cannot create mapped file" : "Cannot map file";
     // Other processes may open the file for reading and writing while it is mapped: sharing
     // the bytes with them is the point of a file mapping.
-    HANDLE file = CreateFileW(path.toWide().c_str(), GENERIC_READ | (writable ? GENERIC_WRITE : 0),
-                              FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                              create ? CREATE_ALWAYS : OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL,
-                              nullptr);
+    HANDLE file =
+        CreateFileW(path.toWide().c_str(), GENERIC_READ | (writable ? GENERIC_WRITE : 0),
+                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                    create ? CREATE_ALWAYS : OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (file == INVALID_HANDLE_VALUE)
         return detail::lastSystemError(what, path);
     HANDLE mapping = nullptr;
@@ -66,9 +66,9 @@ qvUtil::Error MemoryMappedFile::createAnonymous(std::uint64_t size) {
                 "address space",
                 static_cast<unsigned long long>(size)};
     // Backed by the page file; unnamed, so no other process can open it.
-    HANDLE mapping = CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE,
-                                        static_cast<DWORD>(size >> 32), static_cast<DWORD>(size),
-                                        nullptr);
+    HANDLE mapping =
+        CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE,
+                           static_cast<DWORD>(size >> 32), static_cast<DWORD>(size), nullptr);
     if (!mapping)
         return detail::lastSystemError(
             "Cannot map", qvString::CString::format("%llu bytes of scratch memory",

@@ -189,6 +189,8 @@ bool ProcessManager::isAlive(ProcessId pid) noexcept {
     return detail::processExists(pid);
 }
 
-ProcessId ProcessManager::currentId() noexcept { return detail::currentProcessId(); }
+ProcessId ProcessManager::currentId() noexcept {
+    return detail::currentProcessId();
+}
 
 } // namespace qvOS

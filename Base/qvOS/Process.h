@@ -23,8 +23,8 @@ struct ProcessOptions {
     qvString::CString workingDir; ///< empty: inherit this process's
     bool feedStdin = false;       ///< true: stdinText is written to the child's stdin, then closed
     qvString::CString stdinText;
-    bool captureStdout = false;   ///< collect the child's stdout into ProcessResult::stdoutText
-    double timeoutSeconds = 0;    ///< 0 = no limit; past it the child is killed and TimedOut returned
+    bool captureStdout = false; ///< collect the child's stdout into ProcessResult::stdoutText
+    double timeoutSeconds = 0;  ///< 0 = no limit; past it the child is killed and TimedOut returned
 };
 
 /// How a child ended.
@@ -44,9 +44,11 @@ struct ProcessResult {
 /// process handles, closed once the result has been taken.
 class BASE_API ProcessManager {
 public:
-    /// Starts program (a path; no search of PATH) with args verbatim and returns at once,
-    /// writing the child's id to pid when non-null. The child's stdin is the null device, its
-    /// stdout and stderr are this process's. Errors: InvalidArgument for an empty program,
+    /// Starts program with args verbatim and returns at once, writing the child's id to pid
+    /// when non-null. program is a path (a relative one is taken from this process's working
+    /// directory, whatever workingDir says) or a bare name, which the system looks up in PATH.
+    /// The child's stdin is the null device, its stdout and stderr are this process's.
+    /// Errors: InvalidArgument for an empty program,
     /// NotFound / PermissionDenied / Failed when it cannot be started (the message names the
     /// program and carries the system's text). An empty workingDir inherits this process's.
     static qvUtil::Error startAsync(const qvString::CString& program,

@@ -38,9 +38,8 @@ qvUtil::Error killProcess(ProcessId pid, NativeChild native);
 bool processExists(ProcessId pid) noexcept;
 
 /// runSync's body, after the checks.
-qvUtil::Error runChild(const qvString::CString& program,
-                       const std::vector<qvString::CString>& args, const ProcessOptions& options,
-                       ProcessResult& result);
+qvUtil::Error runChild(const qvString::CString& program, const std::vector<qvString::CString>& args,
+                       const ProcessOptions& options, ProcessResult& result);
 
 ProcessId currentProcessId() noexcept;
 

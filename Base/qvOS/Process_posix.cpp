@@ -173,7 +173,8 @@ WaitOutcome waitChild(ProcessId pid, NativeChild, double timeoutSeconds, Process
     }
 }
 
-void releaseChild(NativeChild) noexcept {}
+void releaseChild(NativeChild) noexcept {
+}
 
 qvUtil::Error killProcess(ProcessId pid, NativeChild) {
     if (pid <= 0)
@@ -246,8 +247,7 @@ qvUtil::Error runChild(const CString& program, const std::vector<CString>& args,
                 if (w > 0)
                     fed += static_cast<std::size_t>(w);
                 // A child that stops reading early just does not get the rest.
-                if ((w < 0 && errno != EAGAIN && errno != EINTR) ||
-                    fed == options.stdinText.size())
+                if ((w < 0 && errno != EAGAIN && errno != EINTR) || fed == options.stdinText.size())
                     in.write.reset();
             } else {
                 char buffer[65536];
@@ -260,10 +260,10 @@ qvUtil::Error runChild(const CString& program, const std::vector<CString>& args,
         }
     }
     if (!timedOut) {
-        double left = limited ? std::max(0.001, std::chrono::duration<double>(deadline -
-                                                                              Clock::now())
-                                                    .count())
-                              : 0;
+        double left =
+            limited
+                ? std::max(0.001, std::chrono::duration<double>(deadline - Clock::now()).count())
+                : 0;
         qvUtil::Error error;
         ProcessResult ended;
         WaitOutcome outcome = waitChild(pid, 0, left, ended, error);
@@ -289,6 +289,8 @@ qvUtil::Error runChild(const CString& program, const std::vector<CString>& args,
             program.c_str(), options.timeoutSeconds};
 }
 
-ProcessId currentProcessId() noexcept { return ::getpid(); }
+ProcessId currentProcessId() noexcept {
+    return ::getpid();
+}
 
 } // namespace qvOS::detail

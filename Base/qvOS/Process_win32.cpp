@@ -163,8 +163,7 @@ qvUtil::Error killProcess(ProcessId pid, NativeChild native) {
         if (!opened.h) {
             // OpenProcess says "invalid parameter" for an id no process has.
             if (GetLastError() == ERROR_INVALID_PARAMETER)
-                return {OSError::NotFound, "Cannot kill process %s: no such process",
-                        what.c_str()};
+                return {OSError::NotFound, "Cannot kill process %s: no such process", what.c_str()};
             return lastSystemError("Cannot kill process", what);
         }
         process = opened.h;
@@ -261,6 +260,8 @@ qvUtil::Error runChild(const CString& program, const std::vector<CString>& args,
     return {};
 }
 
-ProcessId currentProcessId() noexcept { return GetCurrentProcessId(); }
+ProcessId currentProcessId() noexcept {
+    return GetCurrentProcessId();
+}
 
 } // namespace qvOS::detail

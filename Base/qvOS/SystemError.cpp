@@ -19,7 +19,8 @@ qvUtil::Error checkPath(const char* what, const qvString::CString& path) {
 
 static int osErrorCode(std::error_code code) {
     std::error_condition c = code.default_error_condition();
-    if (c == std::errc::no_such_file_or_directory || c == std::errc::not_a_directory)
+    if (c == std::errc::no_such_file_or_directory || c == std::errc::not_a_directory ||
+        c == std::errc::no_such_process)
         return OSError::NotFound;
     if (c == std::errc::file_exists || c == std::errc::directory_not_empty)
         return OSError::AlreadyExists;
@@ -32,8 +33,7 @@ static int osErrorCode(std::error_code code) {
     return OSError::Failed;
 }
 
-qvUtil::Error fromErrorCode(const char* what, const qvString::CString& path,
-                            std::error_code code) {
+qvUtil::Error fromErrorCode(const char* what, const qvString::CString& path, std::error_code code) {
 #ifdef _WIN32
     // std::filesystem reports Win32 codes in the system category; their text and code come
     // from the same place as every other Windows failure.

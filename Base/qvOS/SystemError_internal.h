@@ -63,11 +63,15 @@ qvString::CString fromAnsi(const char* text);
 /// True when name can name an environment variable: non-null, non-empty, without '='.
 bool isValidEnvName(const char* name) noexcept;
 
+/// Forces the bytes of the file at path to the disk, so that a rename that follows can never
+/// expose a name whose content a crash lost.
+qvUtil::Error syncFile(const qvString::CString& path);
+
 /// Renames from to to (both files of one file system). overwrite false: an existing target is
 /// an AlreadyExists error, decided by the system atomically where it can. crossDevice is set
 /// when the two lie on different file systems (then the caller copies).
-qvUtil::Error renameFile(const qvString::CString& from, const qvString::CString& to,
-                         bool overwrite, bool& crossDevice);
+qvUtil::Error renameFile(const qvString::CString& from, const qvString::CString& to, bool overwrite,
+                         bool& crossDevice);
 
 } // namespace qvOS::detail
 

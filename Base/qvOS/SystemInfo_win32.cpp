@@ -17,7 +17,8 @@ qvUtil::Error querySystemMemory(MemoryStatus& status) {
     status.virtualTotal = m.ullTotalVirtual;
     status.virtualAvailable = m.ullAvailVirtual;
     // The page file total counts RAM as well; swap is what lies beyond it.
-    status.swapTotal = m.ullTotalPageFile > m.ullTotalPhys ? m.ullTotalPageFile - m.ullTotalPhys : 0;
+    status.swapTotal =
+        m.ullTotalPageFile > m.ullTotalPhys ? m.ullTotalPageFile - m.ullTotalPhys : 0;
     std::uint64_t committedBeyond =
         m.ullAvailPageFile > m.ullAvailPhys ? m.ullAvailPageFile - m.ullAvailPhys : 0;
     status.swapFree = committedBeyond < status.swapTotal ? committedBeyond : status.swapTotal;
