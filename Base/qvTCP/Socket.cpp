@@ -183,6 +183,32 @@ NativeHandle Socket::releaseNativeHandle() noexcept {
     return toHandle(handle);
 }
 
+qvUtil::Error Socket::adopt(NativeHandle handle) {
+    close();
+    if (!impl_)
+        impl_ = std::make_unique<Impl>();
+    if (handle == -1)
+        return qvUtil::Error(ErrorNotOpen, "Cannot take over socket handle -1");
+    tcp::socket adopted(ioContext());
+    boost::system::error_code ec;
+    // The protocol only picks the socket's address family for later queries; reads, writes
+    // and TCP_NODELAY are the same for both families.
+    adopted.assign(tcp::v4(), static_cast<tcp::socket::native_handle_type>(handle), ec);
+    if (ec)
+        return qvUtil::Error(ErrorSystem, "Cannot take over socket handle %s: %s",
+                             std::to_string(static_cast<long long>(handle)).c_str(),
+                             ec.message().c_str());
+    // A local socket pair has no TCP options to set; that is not a failure.
+    boost::system::error_code ignored;
+    adopted.set_option(tcp::no_delay(true), ignored);
+    detail::prepareConnection(handle);
+    tcp::endpoint peer = adopted.remote_endpoint(ec);
+    impl_->peer =
+        ec ? "socket " + std::to_string(static_cast<long long>(handle)) : endpointText(peer);
+    impl_->socket = std::move(adopted);
+    return {};
+}
+
 qvUtil::Error Socket::read(void* buffer, std::size_t n) {
     if (!isOpen())
         return report(qvUtil::Error(ErrorNotOpen, "Cannot read: the socket is not open"));

@@ -120,6 +120,12 @@ public:
     /// Windows before 8.1 cannot hand a socket over: there the connection is closed and -1
     /// returned.
     NativeHandle releaseNativeHandle() noexcept;
+    /// Closes the present connection and takes over handle, a connected stream socket (one
+    /// accepted by an event loop of the caller's, or one end of a local socket pair), which the
+    /// socket then owns and closes. TCP_NODELAY is set where the handle is a TCP socket.
+    /// Errors: ErrorNotOpen for -1; ErrorSystem when the system refuses the handle, which the
+    /// caller then still owns. Never throws.
+    qvUtil::Error adopt(NativeHandle handle);
 
 protected:
     struct Impl;

@@ -85,6 +85,30 @@ TEST(QvTCPSocket, EchoesFramesAndRawBytesOverLoopback) {
     ASSERT_TRUE(pair.accepted->write(&value, sizeof value).isOk());
 }
 
+TEST(QvTCPSocket, HandedOverConnectionKeepsWorking) {
+    LoopbackPair pair([](ClientSocket& client) {
+        qvString::CString text;
+        ASSERT_TRUE(client.read(text).isOk());
+        EXPECT_TRUE(client.write(text + " and back").isOk());
+    });
+    ASSERT_TRUE(pair.accepted);
+    qvTCP::NativeHandle handle = pair.accepted->releaseNativeHandle();
+#if defined(_WIN32)
+    if (handle == -1)
+        GTEST_SKIP() << "this Windows cannot hand a socket over";
+#endif
+    ASSERT_NE(handle, -1);
+    EXPECT_FALSE(pair.accepted->isOpen());
+    EXPECT_EQ(pair.accepted->adopt(-1).code(), qvTCP::ErrorNotOpen);
+    Socket adopted;
+    ASSERT_TRUE(adopted.adopt(handle).isOk());
+    adopted.setReceiveTimeout(5.0);
+    ASSERT_TRUE(adopted.write(qvString::CString("there")).isOk());
+    qvString::CString reply;
+    ASSERT_TRUE(adopted.read(reply).isOk());
+    EXPECT_EQ(reply, "there and back");
+}
+
 TEST(QvTCPSocket, FrameSentByteByByteArrivesWhole) {
     const qvString::CString text = "sent one byte at a time";
     LoopbackPair pair([&text](ClientSocket& client) {
