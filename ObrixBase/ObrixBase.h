@@ -101,6 +101,13 @@
 /* ---- application state ---- */
 #include "ObrixBase/state/VeskoBehaviour.h"
 
+/* ---- file cache ---- */
+#include "ObrixBase/filecache/FileCacheProtocol.h"
+#include "ObrixBase/filecache/FileCacheProtocolClient.h"
+#include "ObrixBase/filecache/FileCacheProtocolServer.h"
+#include "ObrixBase/filecache/FileCacheItem.h"
+#include "ObrixBase/filecache/FileCache.h"
+
 /* ---- undo ---- */
 #include "Base/qvUndo/Undo.h"
 #include "ObrixBase/undo/UndoCommand.h"

@@ -5,7 +5,7 @@ set -euo pipefail
 
 packages_for() {
   case "$1" in
-    build) echo "g++ cmake ninja-build pkg-config libboost-dev" ;;
+    build) echo "g++ cmake ninja-build pkg-config libboost-dev libsqlite3-dev" ;;
     test)  echo "libgtest-dev libgmock-dev liblapack-dev python3" ;;
     bench) echo "libbenchmark-dev libeigen3-dev liblapack-dev libopenblas-dev" ;;
     fuzz)  echo "clang libclang-rt-14-dev" ;;

@@ -1,5 +1,6 @@
 // A short walk through the library: each chapter shows one subsystem at work.
 #include <cstdio>
+#include <cstring>
 
 #include "ObrixBase/ObrixBase.h"
 #include "examples/tour/tour.h"
@@ -8,7 +9,10 @@ void tourHeading(const char* title) {
     std::printf("\n== %s ==\n", title);
 }
 
-int main() {
+int main(int argc, char** argv) {
+    // The file cache chapter starts the tour a second time as the other application process.
+    if (argc == 4 && std::strcmp(argv[1], "--filecache-reader") == 0)
+        return tourFileCacheReader(argv[2], argv[3]);
     std::printf("ObrixBase tour\n");
     tourDiagnostics();
     tourContainers();
@@ -18,6 +22,7 @@ int main() {
     tourUndo();
     tourMemory();
     tourTrace();
+    tourFileCache();
 
     MA_Stats stats;
     MA_get_stats(&stats);

@@ -10,6 +10,9 @@ void tourFactorisations(); // least-squares fit
 void tourUndo();           // undo commands and redraw requests
 void tourMemory();         // accounted memory by call site, scratch memory, fonts and titles
 void tourTrace();          // the trace ring, read back as after a crash
+void tourFileCache();      // two processes sharing a cached file
+/// The second process of the file cache chapter: finds `key` in the cache at `directory`.
+int tourFileCacheReader(const char* directory, const char* key);
 
 /// Prints a chapter heading.
 void tourHeading(const char* title);

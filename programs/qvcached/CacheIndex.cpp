@@ -1,0 +1,203 @@
+#include "programs/qvcached/CacheIndex.h"
+
+#include <fstream>
+#include <memory>
+
+#include <sqlite3.h>
+
+namespace qvcached {
+namespace {
+
+struct StatementDeleter {
+    void operator()(sqlite3_stmt* s) const { sqlite3_finalize(s); }
+};
+using Statement = std::unique_ptr<sqlite3_stmt, StatementDeleter>;
+
+const char* const Schema = "CREATE TABLE IF NOT EXISTS entries("
+                           " key TEXT PRIMARY KEY,"
+                           " file TEXT NOT NULL UNIQUE,"
+                           " size INTEGER NOT NULL,"
+                           " atime INTEGER NOT NULL,"
+                           " used INTEGER NOT NULL DEFAULT 0);"
+                           "CREATE TABLE IF NOT EXISTS counters("
+                           " name TEXT PRIMARY KEY,"
+                           " value INTEGER NOT NULL);";
+
+void bindText(sqlite3_stmt* s, int index, const std::string& text) {
+    sqlite3_bind_text(s, index, text.data(), static_cast<int>(text.size()), SQLITE_TRANSIENT);
+}
+
+std::string columnText(sqlite3_stmt* s, int column) {
+    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(s, column));
+    return std::string(text ? text : "", static_cast<std::size_t>(sqlite3_column_bytes(s, column)));
+}
+
+} // namespace
+
+CacheIndex::~CacheIndex() {
+    sqlite3_close(db_);
+}
+
+qvUtil::Error CacheIndex::fail(const char* what) const {
+    return qvUtil::Error(1, "cache index %s: %s: %s", path_.c_str(), what,
+                         db_ ? sqlite3_errmsg(db_) : "out of memory");
+}
+
+qvUtil::Error CacheIndex::exec(const char* sql) {
+    if (sqlite3_exec(db_, sql, nullptr, nullptr, nullptr) != SQLITE_OK)
+        return fail(sql);
+    return {};
+}
+
+qvUtil::Error CacheIndex::open(const std::filesystem::path& file, bool readOnly) {
+    path_ = file.string();
+    std::error_code ec;
+    if (!readOnly && !std::filesystem::exists(file, ec)) {
+        // SQLite gives its log and shared-memory files the database's permissions, so
+        // creating the database for the user alone covers all three.
+        std::ofstream(file, std::ios::binary | std::ios::app).close();
+        std::filesystem::permissions(
+            file, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write, ec);
+    }
+    const int flags = readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+    if (sqlite3_open_v2(path_.c_str(), &db_, flags, nullptr) != SQLITE_OK)
+        return fail("open");
+    sqlite3_busy_timeout(db_, 2000);
+    if (readOnly)
+        return {};
+    // Write-ahead logging with NORMAL sync: a commit survives the death of the process at
+    // any instant; only an operating-system crash may lose the last commits, never tear one.
+    if (auto err = exec("PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL;"); err.isError())
+        return err;
+    return exec(Schema);
+}
+
+qvUtil::Error CacheIndex::load(std::vector<IndexEntry>& entries, IndexCounters& counters) {
+    sqlite3_stmt* raw = nullptr;
+    if (sqlite3_prepare_v2(db_,
+                           "SELECT key, file, size, atime, used FROM entries ORDER BY used, rowid",
+                           -1, &raw, nullptr) != SQLITE_OK)
+        return fail("load");
+    Statement select(raw);
+    int rc;
+    while ((rc = sqlite3_step(raw)) == SQLITE_ROW)
+        entries.push_back({columnText(raw, 0), columnText(raw, 1),
+                           static_cast<std::uint64_t>(sqlite3_column_int64(raw, 2)),
+                           sqlite3_column_int64(raw, 3), sqlite3_column_int64(raw, 4)});
+    if (rc != SQLITE_DONE)
+        return fail("load");
+    if (sqlite3_prepare_v2(db_, "SELECT name, value FROM counters", -1, &raw, nullptr) != SQLITE_OK)
+        return fail("load counters");
+    Statement names(raw);
+    while ((rc = sqlite3_step(raw)) == SQLITE_ROW) {
+        const std::string name = columnText(raw, 0);
+        const std::int64_t value = sqlite3_column_int64(raw, 1);
+        if (name == "hits")
+            counters.hits = value;
+        else if (name == "misses")
+            counters.misses = value;
+        else if (name == "evictions")
+            counters.evictions = value;
+    }
+    return rc == SQLITE_DONE ? qvUtil::Error() : fail("load counters");
+}
+
+qvUtil::Error CacheIndex::insert(const IndexEntry& entry) {
+    sqlite3_stmt* raw = nullptr;
+    if (sqlite3_prepare_v2(db_,
+                           "INSERT INTO entries(key, file, size, atime, used) VALUES(?,?,?,?,?)",
+                           -1, &raw, nullptr) != SQLITE_OK)
+        return fail("insert");
+    Statement insert(raw);
+    bindText(raw, 1, entry.key);
+    bindText(raw, 2, entry.file);
+    sqlite3_bind_int64(raw, 3, static_cast<sqlite3_int64>(entry.size));
+    sqlite3_bind_int64(raw, 4, entry.accessTime);
+    sqlite3_bind_int64(raw, 5, entry.useOrder);
+    return sqlite3_step(raw) == SQLITE_DONE ? qvUtil::Error() : fail("insert");
+}
+
+qvUtil::Error CacheIndex::saveCounters(const IndexCounters& counters) {
+    sqlite3_stmt* raw = nullptr;
+    if (sqlite3_prepare_v2(db_, "INSERT OR REPLACE INTO counters(name, value) VALUES(?,?)", -1,
+                           &raw, nullptr) != SQLITE_OK)
+        return fail("counters");
+    Statement save(raw);
+    const std::pair<const char*, std::int64_t> values[] = {
+        {"hits", counters.hits}, {"misses", counters.misses}, {"evictions", counters.evictions}};
+    for (const auto& [name, value] : values) {
+        sqlite3_reset(raw);
+        sqlite3_bind_text(raw, 1, name, -1, SQLITE_STATIC);
+        sqlite3_bind_int64(raw, 2, value);
+        if (sqlite3_step(raw) != SQLITE_DONE)
+            return fail("counters");
+    }
+    return {};
+}
+
+// The batch operations run in one transaction each; any failure rolls the whole batch back.
+qvUtil::Error CacheIndex::erase(const std::vector<std::string>& keys,
+                                const IndexCounters& counters) {
+    if (auto err = exec("BEGIN IMMEDIATE"); err.isError())
+        return err;
+    sqlite3_stmt* raw = nullptr;
+    qvUtil::Error err;
+    if (sqlite3_prepare_v2(db_, "DELETE FROM entries WHERE key = ?", -1, &raw, nullptr) !=
+        SQLITE_OK) {
+        err = fail("erase");
+    } else {
+        Statement erase(raw);
+        for (const std::string& key : keys) {
+            sqlite3_reset(raw);
+            bindText(raw, 1, key);
+            if (sqlite3_step(raw) != SQLITE_DONE) {
+                err = fail("erase");
+                break;
+            }
+        }
+    }
+    if (err.isOk())
+        err = saveCounters(counters);
+    if (err.isOk())
+        err = exec("COMMIT");
+    if (err.isError())
+        exec("ROLLBACK");
+    return err;
+}
+
+qvUtil::Error CacheIndex::saveAccess(const std::vector<IndexEntry>& used,
+                                     const IndexCounters& counters) {
+    if (auto err = exec("BEGIN IMMEDIATE"); err.isError())
+        return err;
+    sqlite3_stmt* raw = nullptr;
+    qvUtil::Error err;
+    if (sqlite3_prepare_v2(db_, "UPDATE entries SET atime = ?, used = ? WHERE key = ?", -1, &raw,
+                           nullptr) != SQLITE_OK) {
+        err = fail("access times");
+    } else {
+        Statement update(raw);
+        for (const IndexEntry& entry : used) {
+            sqlite3_reset(raw);
+            sqlite3_bind_int64(raw, 1, entry.accessTime);
+            sqlite3_bind_int64(raw, 2, entry.useOrder);
+            bindText(raw, 3, entry.key);
+            if (sqlite3_step(raw) != SQLITE_DONE) {
+                err = fail("access times");
+                break;
+            }
+        }
+    }
+    if (err.isOk())
+        err = saveCounters(counters);
+    if (err.isOk())
+        err = exec("COMMIT");
+    if (err.isError())
+        exec("ROLLBACK");
+    return err;
+}
+
+qvUtil::Error CacheIndex::clear() {
+    return exec("DELETE FROM entries");
+}
+
+} // namespace qvcached
