@@ -59,7 +59,7 @@ CString warningText(const VeskoWarningParams& params) {
     for (const CString& detail : params.details)
         text += "    " + detail + "\n";
     for (std::size_t i = 0; i < params.buttons.size(); ++i)
-        text += CString::format("  %zu) ", i + 1) + params.buttons[i] + "\n";
+        text += "  " + std::to_string(i + 1) + ") " + params.buttons[i] + "\n";
     return text;
 }
 
