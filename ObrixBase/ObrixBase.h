@@ -11,6 +11,7 @@
 
 /* ---- C interface: diagnostics ---- */
 #include "ObrixBase/util/aa_debug.h"
+#include "ObrixBase/util/vk_warning.h"
 
 /* ---- C interface: structure framework and registration ---- */
 #include "ObrixBase/util/DS/ds_structures.h"
@@ -39,6 +40,8 @@
 
 /* ---- diagnostics: the trace log ---- */
 #include "ObrixBase/util/VeskoTrace.h"
+/* ---- diagnostics: warning descriptions ---- */
+#include "ObrixBase/util/VeskoWarningParams.h"
 
 /* ---- geometry ---- */
 #include "ObrixBase/geometry/Taxis.h"

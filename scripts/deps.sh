@@ -1,12 +1,14 @@
 #!/usr/bin/env bash
 # Installs the Debian 12 packages that a task needs, and nothing when they are all there.
-# Usage: scripts/deps.sh build|test|bench|fuzz|windows ...
+# Usage: scripts/deps.sh build|test|desktop|bench|fuzz|windows ...
 set -euo pipefail
 
 packages_for() {
   case "$1" in
     build) echo "g++ cmake ninja-build pkg-config libboost-dev libsqlite3-dev" ;;
     test)  echo "libgtest-dev libgmock-dev liblapack-dev python3" ;;
+    # The warning box's GTK dialog, and the X server, input and screenshot tools of its test.
+    desktop) echo "libgtk-3-dev xvfb xdotool imagemagick" ;;
     bench) echo "libbenchmark-dev libeigen3-dev liblapack-dev libopenblas-dev" ;;
     fuzz)  echo "clang libclang-rt-14-dev" ;;
     # The Windows leg: the mingw-w64 cross compiler with the posix thread model, Wine to run

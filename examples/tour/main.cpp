@@ -23,6 +23,7 @@ int main(int argc, char** argv) {
     tourMemory();
     tourTrace();
     tourFileCache();
+    tourWarnings();
 
     MA_Stats stats;
     MA_get_stats(&stats);

@@ -13,6 +13,7 @@ void tourTrace();          // the trace ring, read back as after a crash
 void tourFileCache();      // two processes sharing a cached file
 /// The second process of the file cache chapter: finds `key` in the cache at `directory`.
 int tourFileCacheReader(const char* directory, const char* key);
+void tourWarnings();       // a warning answered by a script
 
 /// Prints a chapter heading.
 void tourHeading(const char* title);
