@@ -25,6 +25,10 @@
 #include "ObrixBase/util/vk_pool.h"
 #include "ObrixBase/util/vk_string.h"
 
+/* ---- C interface: project directories, path helpers, directory reading ---- */
+#include "ObrixBase/util/db_filename.h"
+#include "ObrixBase/util/vk_path.h"
+
 /* ---- C interface: item lists ---- */
 #include "ObrixBase/anim/an_anim_list.h"
 
@@ -36,6 +40,9 @@
 #include "ObrixBase/undo/vk_undo.h"
 
 #ifdef __cplusplus
+
+/* ---- typed file names ---- */
+#include "ObrixBase/util/vk_filename.h"
 
 /* ---- geometry ---- */
 #include "ObrixBase/geometry/Taxis.h"
