@@ -97,8 +97,8 @@ void store(char* buffer, const char* text, const char* setter) {
         text = "";
     std::size_t n = std::strlen(text);
     if (n > DB_MAX_PATH) {
-        rptError("%s: a text of %zu characters is longer than %d; the setting is unchanged", setter,
-                 n, DB_MAX_PATH);
+        rptError("%s: a text of %lu characters is longer than %d; the setting is unchanged", setter,
+                 static_cast<unsigned long>(n), DB_MAX_PATH);
         return;
     }
     std::memcpy(buffer, text, n + 1);
@@ -130,7 +130,8 @@ bool fitsPath(const std::string& text) {
 
 void writePath(char* out, const std::string& text, const char* who) {
     if (!fitsPath(text)) {
-        rptError("%s: a path of %zu characters is longer than %d", who, text.size(), DB_MAX_PATH);
+        rptError("%s: a path of %lu characters is longer than %d", who,
+                 static_cast<unsigned long>(text.size()), DB_MAX_PATH);
         out[0] = '\0';
         return;
     }
@@ -194,8 +195,9 @@ void Db_init_paths(void) {
     const std::string sep(1, qvOS::Filename::separator());
     const std::string path = projectPath, name = projectName;
     std::string drive;
-    if (qvOS::Filename::hasDrives() && !qvOS::Filename::isAbsolute(projectPath))
-        drive = std::string(1, static_cast<char>('A' + qvOS::Filename::currentDrive() - 1)) + ":";
+    const int current = qvOS::Filename::currentDrive();
+    if (qvOS::Filename::hasDrives() && current >= 1 && !qvOS::Filename::isAbsolute(projectPath))
+        drive = std::string(1, static_cast<char>('A' + current - 1)) + ":";
     const DB_Path* defaults = Db_get_default_paths();
     for (int i = 0; i < defaultRowCount; ++i) {
         const std::string dir = defaults[i].path;

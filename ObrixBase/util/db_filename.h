@@ -16,6 +16,39 @@ OBRIX_EXTERN_C_BEGIN
     of DB_MAX_PATH characters and its terminator. */
 #define DB_PATH_BUFFER_SIZE (DB_MAX_PATH + 1)
 
+/** Data type codes of VK_Filename and of the directory tables; codes without a name here
+    (23, 28-36, 38-47) are used by the table alone. */
+enum VK_DataType {
+    ANIM_DATA = 0,
+    PIX_DATA = 1,
+    SDL_DATA = 2,
+    WIRE_DATA = 3,
+    MASK_DATA = 4,
+    PIXAR_DATA = 5,
+    DIR_DATA = 6,
+    PROJ_DATA = 7,
+    ANY_DATA = 8,
+    MISC_DATA = 9,
+    DEFAULT_DATA = 10,
+    ANYDIR_DATA = 11,
+    OPTION_DATA = 12,
+    FBI_DATA = 13,
+    BROWSE_DATA = 14,
+    PLOT_DATA = 15,
+    SLA_DATA = 16,
+    SHADER_DATA = 17,
+    TEXTURE_DATA = 18,
+    TEXT_DATA = 19,
+    STAGE_DATA = 20,
+    SOURCEPIX_DATA = 21,
+    DEBUG_DATA = 22,
+    WINDOW_DATA = 24,
+    RIB_DATA = 25,
+    LIGHT_DATA = 26,
+    ENVIRONMENT_DATA = 27,
+    SOUND_DATA = 37,
+};
+
 /** One row of a directory table: a directory text and the data type whose files it holds.
     Both tables end in a row with a null `path` and type -1. */
 typedef struct DB_Path {

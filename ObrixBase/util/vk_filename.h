@@ -9,38 +9,6 @@
 #include "ObrixBase/util/DS/ds_structures.h"
 #include "ObrixBase/util/db_filename.h"
 
-/// Data type codes of VK_Filename and of the project's directory table.
-enum VK_DataType {
-    ANIM_DATA = 0,
-    PIX_DATA = 1,
-    SDL_DATA = 2,
-    WIRE_DATA = 3,
-    MASK_DATA = 4,
-    PIXAR_DATA = 5,
-    DIR_DATA = 6,
-    PROJ_DATA = 7,
-    ANY_DATA = 8,
-    MISC_DATA = 9,
-    DEFAULT_DATA = 10,
-    ANYDIR_DATA = 11,
-    OPTION_DATA = 12,
-    FBI_DATA = 13,
-    BROWSE_DATA = 14,
-    PLOT_DATA = 15,
-    SLA_DATA = 16,
-    SHADER_DATA = 17,
-    TEXTURE_DATA = 18,
-    TEXT_DATA = 19,
-    STAGE_DATA = 20,
-    SOURCEPIX_DATA = 21,
-    DEBUG_DATA = 22,
-    WINDOW_DATA = 24,
-    RIB_DATA = 25,
-    LIGHT_DATA = 26,
-    ENVIRONMENT_DATA = 27,
-    SOUND_DATA = 37,
-};
-
 /// A typed file name. Not safe to share between threads (it expands through the project's
 /// process-wide settings). Copies are deep.
 class OBRIX_API VK_Filename {

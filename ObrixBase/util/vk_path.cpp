@@ -57,8 +57,8 @@ int OB_FileExists(const char* path) {
     const char sep = qvOS::Filename::separator();
     if (p.size() > 1 && p.back() == sep && p[p.size() - 2] != ':') {
         if (p.size() > VK_PATH_MAX) {
-            rptError("OB_FileExists: a path of %zu characters is longer than %d", p.size(),
-                     VK_PATH_MAX);
+            rptError("OB_FileExists: a path of %lu characters is longer than %d",
+                     static_cast<unsigned long>(p.size()), VK_PATH_MAX);
             return 0;
         }
         p.pop_back();
@@ -90,8 +90,8 @@ char* ExpandPathname(const char* path) {
         rest = path + std::strlen(path);
     std::string user(path + 1, rest);
     if (user.size() > VK_USER_NAME_MAX) {
-        rptError("ExpandPathname: a user name of %zu characters is longer than %d", user.size(),
-                 VK_USER_NAME_MAX);
+        rptError("ExpandPathname: a user name of %lu characters is longer than %d",
+                 static_cast<unsigned long>(user.size()), VK_USER_NAME_MAX);
         return nullptr;
     }
     if (user.empty()) {

@@ -8,6 +8,7 @@ void tourGeometry();       // points, matrices, rotations about a pivot
 void tourNumerics();       // vectors, slices, matrices
 void tourFactorisations(); // least-squares fit
 void tourUndo();           // undo commands and redraw requests
+void tourFiles();          // project directories, an image sequence on disk
 
 /// Prints a chapter heading.
 void tourHeading(const char* title);
