@@ -138,6 +138,13 @@ void writePath(char* out, const std::string& text, const char* who) {
     std::memcpy(out, text.c_str(), text.size() + 1);
 }
 
+std::string withoutTrailingSeparator(const std::string& path) {
+    if (path.size() > 1 && path.back() == qvOS::Filename::separator() &&
+        path[path.size() - 2] != ':')
+        return path.substr(0, path.size() - 1);
+    return path;
+}
+
 std::string directoryPart(const std::string& path) {
     // Only the system's own separator counts: on Windows a '/' is searched for in URLs alone.
     std::size_t cut = path.rfind(qvOS::Filename::separator());
@@ -170,10 +177,11 @@ bool expandPath(std::string& result, char* name, int type) {
         return false;
     }
     std::string dir = directoryPart(row->path);
+    const std::string bare = withoutTrailingSeparator(dir);
     qvOS::FileInfo info;
-    if (!dir.empty() && (!qvOS::File::query(dir, info).isOk() || !info.exists)) {
+    if (!bare.empty() && (!qvOS::File::query(bare, info).isOk() || !info.exists)) {
         // A directory that cannot be made shows up as a missing file to whoever opens it.
-        (void)qvOS::Filename::makeDir(dir);
+        (void)qvOS::Filename::makeDir(bare);
     }
     if (name && dir.size() + std::strlen(name) <= DB_MAX_PATH)
         result = dir + name;

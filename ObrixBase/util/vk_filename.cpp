@@ -20,9 +20,13 @@ bool isDigit(char c) {
     return std::isdigit(static_cast<unsigned char>(c)) != 0;
 }
 
+// A path ending in a separator is a directory's, which no file name expands to on purpose:
+// it is what a name too long to join, or an empty one, leaves behind.
 bool fileExists(const char* path) {
+    std::size_t n = std::strlen(path);
     qvOS::FileInfo info;
-    return path[0] && qvOS::File::query(path, info).isOk() && info.exists;
+    return n > 0 && path[n - 1] != qvOS::Filename::separator() &&
+           qvOS::File::query(path, info).isOk() && info.exists;
 }
 
 // The frame after a sequence's dot, as C's atoi reads it but saturated to int: frame numbers

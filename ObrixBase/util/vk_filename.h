@@ -37,8 +37,9 @@ public:
     /// Ar_expand_pixname(name, 1) (whose C-heap result is freed here). A sequence is tried
     /// with its frame zero-padded to 1, 2, ... pad width + 1 digits; when none exists, out
     /// holds the expanded base name. Returns 0 when nothing exists, no name is held or out
-    /// is null. A name too long to join to its directory expands to the directory alone
-    /// (see expand_filename), and that directory exists once expanded: 1.
+    /// is null. A path ending in a separator never counts as found: an empty name, or one
+    /// too long to join to its directory, expands to the directory alone (see
+    /// expand_filename) and gives 0.
     long Filename(char* out) const;
     /// The full name; null for a sequence or when nothing is held. Owned by this object.
     char* Filename() const { return fullName_; }

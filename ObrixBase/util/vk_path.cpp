@@ -9,6 +9,7 @@
 #include "Base/qvOS/File.h"
 #include "Base/qvOS/Filename.h"
 #include "Base/rpt/rpt.h"
+#include "ObrixBase/util/db_filename_internal.h"
 
 namespace {
 
@@ -112,7 +113,8 @@ _dir_struc* win32_opendir(char* path) {
     if (isBareDrive(dir))
         dir += '\\';
     qvOS::FileInfo info;
-    if (!qvOS::File::query(dir, info).isOk() || info.type != qvOS::FileType::Directory)
+    if (!qvOS::File::query(obrix::detail::withoutTrailingSeparator(dir), info).isOk() ||
+        info.type != qvOS::FileType::Directory)
         return nullptr;
 
     qvOS::DirectorySearch search;

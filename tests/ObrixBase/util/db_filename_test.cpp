@@ -30,9 +30,11 @@ std::string expanded(const std::string& name, int type) {
     return out;
 }
 
-bool isDirectory(const std::string& path) {
+// dir ends in a separator, which Windows does not accept in a query.
+bool isDirectory(const std::string& dir) {
     qvOS::FileInfo info;
-    return qvOS::File::query(path, info).isOk() && info.type == qvOS::FileType::Directory;
+    return qvOS::File::query(dir.substr(0, dir.size() - 1), info).isOk() &&
+           info.type == qvOS::FileType::Directory;
 }
 
 } // namespace

@@ -177,14 +177,12 @@ TEST(VkFilename, DebugPrintsExpansionOnlyWhenNothingWasFound) {
 TEST(VkFilename, HostileNamesGiveDocumentedAnswersWithinTheBuffer) {
     ProjectDir project;
     obrix::test::ReportCapture reports;
-    // An empty name expands to the project's directory, which exists.
-    // A name too long to join expands to the directory alone, which exists too; the padded
-    // search reaches that length once the frame is wide enough.
-    const std::pair<std::string, long> names[] = {{std::string(10000, 'x'), 1},
-                                                  {"shot." + std::string(9000, '0') + "1", 1},
-                                                  {"shot.1", 0},
-                                                  {"\"", 1},
-                                                  {"", 1}};
+    // An empty name, and one too long to join, expand to the directory alone, which is no
+    // file; the padded search reaches that length once the frame is wide enough.
+    const std::pair<std::string, long> names[] = {{std::string(10000, 'x'), 0},
+                                                  {"shot." + std::string(9000, '0') + "1", 0},
+                                                  {"\"", 0},
+                                                  {"", 0}};
     for (const auto& [name, expected] : names) {
         long answer = -1;
         found(VK_Filename(name.c_str(), PIX_DATA), &answer);
