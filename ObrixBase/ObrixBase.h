@@ -26,6 +26,10 @@
 #include "ObrixBase/util/vk_pool.h"
 #include "ObrixBase/util/vk_string.h"
 
+/* ---- C interface: project directories, path helpers, directory reading ---- */
+#include "ObrixBase/util/db_filename.h"
+#include "ObrixBase/util/vk_path.h"
+
 /* ---- C interface: item lists ---- */
 #include "ObrixBase/anim/an_anim_list.h"
 
@@ -42,6 +46,8 @@
 #include "ObrixBase/util/VeskoTrace.h"
 /* ---- diagnostics: warning descriptions ---- */
 #include "ObrixBase/util/VeskoWarningParams.h"
+/* ---- typed file names ---- */
+#include "ObrixBase/util/vk_filename.h"
 
 /* ---- geometry ---- */
 #include "ObrixBase/geometry/Taxis.h"

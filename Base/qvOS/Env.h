@@ -18,6 +18,13 @@ BASE_API bool GetEnv(const wchar_t* name, qvString::IString& value);
 /// children it starts later. A null or empty name, or one containing '=', is InvalidArgument.
 /// Not safe against other threads reading the environment at the same time.
 BASE_API qvUtil::Error SetEnv(const char* name, const char* value);
+/// The home directory of user (null or "" for the user running this process), without a
+/// trailing separator; false (home untouched) when the system knows no such user or no home.
+/// POSIX: HOME for the running user when it is set, else the user database (getpwnam_r /
+/// getpwuid_r). Windows: USERPROFILE for the running user or one named as USERNAME names it
+/// (letter case ignored); another user's home is the directory of that name beside it
+/// (C:\Users\<user>) when it exists, since profiles of one machine share one parent.
+BASE_API bool userHomeDirectory(const char* user, qvString::CString& home);
 
 } // namespace qvOS
 

@@ -1,9 +1,11 @@
 #include "Base/qvOS/Env.h"
 
 #include <cstdlib>
+#include <cstring>
 
 #include <windows.h>
 
+#include "Base/qvOS/Filename.h"
 #include "Base/qvOS/SystemError_internal.h"
 
 namespace qvOS {
@@ -49,6 +51,30 @@ qvUtil::Error SetEnv(const char* name, const char* value) {
     if (!SetEnvironmentVariableW(wideName.c_str(), value ? wideValue.c_str() : nullptr))
         return detail::lastSystemError("Cannot set environment variable", name);
     return {};
+}
+
+bool userHomeDirectory(const char* user, qvString::CString& home) {
+    qvString::CString profile;
+    if (!GetEnv("USERPROFILE", profile) || profile.empty())
+        return false;
+    qvString::CString self;
+    if (!user || !user[0] ||
+        (GetEnv("USERNAME", self) && _stricmp(self.c_str(), user) == 0)) {
+        home = profile;
+        return true;
+    }
+    // A name that walks elsewhere ("..", "a\\b") names no profile.
+    if (std::strcmp(user, ".") == 0 || std::strcmp(user, "..") == 0 || std::strpbrk(user, "\\/:"))
+        return false;
+    qvString::CString parent = Filename::directory(profile);
+    if (parent.empty())
+        return false;
+    qvString::CString other = Filename::join(parent, user);
+    DWORD attributes = GetFileAttributesW(other.toWide().c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES || !(attributes & FILE_ATTRIBUTE_DIRECTORY))
+        return false;
+    home = other;
+    return true;
 }
 
 } // namespace qvOS

@@ -24,6 +24,7 @@ int main(int argc, char** argv) {
     tourTrace();
     tourFileCache();
     tourWarnings();
+    tourFiles();
 
     MA_Stats stats;
     MA_get_stats(&stats);

@@ -14,6 +14,7 @@ void tourFileCache();      // two processes sharing a cached file
 /// The second process of the file cache chapter: finds `key` in the cache at `directory`.
 int tourFileCacheReader(const char* directory, const char* key);
 void tourWarnings();       // a warning answered by a script
+void tourFiles();          // project directories, an image sequence on disk
 
 /// Prints a chapter heading.
 void tourHeading(const char* title);
