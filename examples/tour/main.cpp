@@ -16,6 +16,7 @@ int main() {
     tourNumerics();
     tourFactorisations();
     tourUndo();
+    tourDebugDraw();
 
     MA_Stats stats;
     MA_get_stats(&stats);

@@ -8,6 +8,7 @@ void tourGeometry();       // points, matrices, rotations about a pivot
 void tourNumerics();       // vectors, slices, matrices
 void tourFactorisations(); // least-squares fit
 void tourUndo();           // undo commands and redraw requests
+void tourDebugDraw();      // a surface, a curve and labelled points drawn for a browser
 
 /// Prints a chapter heading.
 void tourHeading(const char* title);
