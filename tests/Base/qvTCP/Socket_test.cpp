@@ -90,8 +90,9 @@ TEST(QvTCPSocket, HandedOverConnectionKeepsWorking) {
         // Where the accepted end cannot be handed over it is closed unread; the main thread's
         // checks of the reply are what this test is about.
         qvString::CString text;
-        if (client.read(text).isOk())
+        if (client.read(text).isOk()) {
             EXPECT_TRUE(client.write(text + " and back").isOk());
+        }
     });
     ASSERT_TRUE(pair.accepted);
     qvTCP::NativeHandle handle = pair.accepted->releaseNativeHandle();
