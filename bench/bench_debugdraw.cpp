@@ -75,12 +75,19 @@ void writeFrames(benchmark::State& state, ObrixDebugDrawFileWriter::Format forma
         qvOS::Filename::join(qvOS::tempDirectory(), "obrix-bench-" + qvOS::Uuid().asString());
     ObrixDebugDrawFileWriter writer(dir, {format, viewer});
     // The first frame also writes the viewer page; measure the frames after it.
-    if (writer.writeFrame(frame, 1).isError()) state.SkipWithError("cannot write");
+    if (writer.writeFrame(frame, 1).isError()) {
+        state.SkipWithError("cannot write");
+        return;
+    }
     std::filesystem::remove_all(dir);
+    std::filesystem::create_directories(dir);
     unsigned number = 1;
     std::uintmax_t bytes = 0;
     for (auto _ : state) {
-        if (writer.writeFrame(frame, ++number).isError()) state.SkipWithError("cannot write");
+        if (writer.writeFrame(frame, ++number).isError()) {
+            state.SkipWithError("cannot write");
+            break;
+        }
         state.PauseTiming();
         bytes += folderBytes(dir);
         std::filesystem::remove_all(dir);

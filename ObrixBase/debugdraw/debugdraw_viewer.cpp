@@ -207,7 +207,8 @@ const char* const pageApp = R"page(<script>
     if (box.isEmpty()) return;
     var centre = box.getCenter(new THREE.Vector3());
     var radius = Math.max(box.getSize(new THREE.Vector3()).length() / 2, 1e-6);
-    var distance = radius / Math.sin(THREE.MathUtils ? THREE.MathUtils.degToRad(camera.fov / 2)
+    // A little farther than the bounding sphere needs: perspective enlarges the near side.
+    var distance = 1.2 * radius / Math.sin(THREE.MathUtils ? THREE.MathUtils.degToRad(camera.fov / 2)
                                                       : camera.fov * Math.PI / 360);
     camera.near = distance / 100;
     camera.far = distance * 100;

@@ -48,8 +48,8 @@ std::vector<std::string> listing(const qvString::CString& dir) {
     return names;
 }
 
-using OffTest = DrawingOff;
-TEST_F(OffTest, AMillionDisabledCallsAllocateNothingWriteNothingAndEvaluateNothing) {
+using ObrixDebugDrawOff = DrawingOff;
+TEST_F(ObrixDebugDrawOff, AMillionDisabledCallsAllocateNothingWriteNothingAndEvaluateNothing) {
     TempDir dir;
     ASSERT_TRUE(ObrixDebugDrawProtocol::enable(dir.path()).isOk());
     ObrixDebugDrawProtocol::disable();
@@ -84,8 +84,8 @@ struct Recorder : ObrixDebugDrawProtocol {
     }
 };
 
-using SwitchTest = DrawingOff;
-TEST_F(SwitchTest, FramesReachTheInstalledProtocolNumberedInOrder) {
+using ObrixDebugDrawSwitch = DrawingOff;
+TEST_F(ObrixDebugDrawSwitch, FramesReachTheInstalledProtocolNumberedInOrder) {
     std::vector<std::pair<unsigned, std::string>> seen;
     ObrixDebugDrawProtocol::install(std::make_unique<Recorder>(&seen));
     ASSERT_TRUE(ObrixDebugDrawProtocol::isOn());
@@ -105,7 +105,7 @@ TEST_F(SwitchTest, FramesReachTheInstalledProtocolNumberedInOrder) {
     EXPECT_EQ(seen.back(), (std::pair<unsigned, std::string>{1, "again:0"}));
 }
 
-TEST_F(SwitchTest, EnableMakesTheRunFolderOnlyWhenTheFirstFrameIsWritten) {
+TEST_F(ObrixDebugDrawSwitch, EnableMakesTheRunFolderOnlyWhenTheFirstFrameIsWritten) {
     TempDir dir;
     EXPECT_EQ(ObrixDebugDrawProtocol::enable("").code(), qvOS::OSError::InvalidArgument);
     ASSERT_TRUE(ObrixDebugDrawProtocol::enable(dir.path()).isOk());

@@ -243,7 +243,7 @@ def browser(sample, out_dir):
         expected = run_sample(sample, os.path.join(tmp, "frames"), "gltf")
         page = os.path.join(tmp, "frames", expected["viewer"])
         shots = {}
-        for name, fragment in (("all", "#frame=1"), ("hidden", "#frame=1&hide=surfaces")):
+        for name, fragment in (("all", "#frame=1&pick=circle"), ("hidden", "#frame=1&hide=surfaces")):
             png = os.path.join(out_dir, "viewer-%s.png" % name)
             if os.path.exists(png):
                 os.remove(png)
