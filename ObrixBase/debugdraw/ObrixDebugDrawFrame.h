@@ -63,7 +63,7 @@ struct ObrixDebugDrawSource {
 /// rounded to 32-bit floats only when written, relative to the frame's origin, so that large
 /// model coordinates keep their precision. Layers appear in the order first drawn into, items
 /// in the order drawn. A frame is a plain value: copyable, movable, no process-wide state.
-/// Recording allocates; a frame that is never drawn into allocates nothing.
+/// Recording allocates; an unnamed frame that is never drawn into allocates nothing.
 class OBRIX_API ObrixDebugDrawFrame {
 public:
     /// The kinds of item a frame holds.
