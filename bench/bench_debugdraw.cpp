@@ -31,7 +31,8 @@ void BM_PlainBranchPeer(benchmark::State& state) {
     benchmark::DoNotOptimize(on);
     int drawn = 0;
     for (auto _ : state) {
-        if (on) ++drawn;
+        if (on)
+            ++drawn;
         benchmark::ClobberMemory();
     }
     benchmark::DoNotOptimize(drawn);
@@ -46,7 +47,8 @@ const ObrixDebugDrawFrame& millionTriangles() {
         xyz.reserve(std::size_t(n + 1) * (n + 1) * 3);
         for (std::uint32_t j = 0; j <= n; ++j)
             for (std::uint32_t i = 0; i <= n; ++i)
-                xyz.insert(xyz.end(), {1e5 + i * 0.01, 2e5 + j * 0.01, 0.1 * ((i * 7 + j * 3) % 11)});
+                xyz.insert(xyz.end(),
+                           {1e5 + i * 0.01, 2e5 + j * 0.01, 0.1 * ((i * 7 + j * 3) % 11)});
         std::vector<std::uint32_t> tri;
         tri.reserve(std::size_t(n) * n * 6);
         for (std::uint32_t j = 0; j < n; ++j)
@@ -65,7 +67,8 @@ const ObrixDebugDrawFrame& millionTriangles() {
 
 std::uintmax_t folderBytes(const std::string& dir) {
     std::uintmax_t total = 0;
-    for (const auto& e : std::filesystem::directory_iterator(dir)) total += e.file_size();
+    for (const auto& e : std::filesystem::directory_iterator(dir))
+        total += e.file_size();
     return total;
 }
 
@@ -99,10 +102,18 @@ void writeFrames(benchmark::State& state, ObrixDebugDrawFileWriter::Format forma
     std::filesystem::remove_all(dir);
 }
 
-void BM_WriteGlb(benchmark::State& s) { writeFrames(s, ObrixDebugDrawFileWriter::Format::Glb, false); }
-void BM_WriteGltfEmbedded(benchmark::State& s) { writeFrames(s, ObrixDebugDrawFileWriter::Format::Gltf, false); }
-void BM_WriteGltfWithViewer(benchmark::State& s) { writeFrames(s, ObrixDebugDrawFileWriter::Format::Gltf, true); }
-void BM_WriteObj(benchmark::State& s) { writeFrames(s, ObrixDebugDrawFileWriter::Format::Obj, false); }
+void BM_WriteGlb(benchmark::State& s) {
+    writeFrames(s, ObrixDebugDrawFileWriter::Format::Glb, false);
+}
+void BM_WriteGltfEmbedded(benchmark::State& s) {
+    writeFrames(s, ObrixDebugDrawFileWriter::Format::Gltf, false);
+}
+void BM_WriteGltfWithViewer(benchmark::State& s) {
+    writeFrames(s, ObrixDebugDrawFileWriter::Format::Gltf, true);
+}
+void BM_WriteObj(benchmark::State& s) {
+    writeFrames(s, ObrixDebugDrawFileWriter::Format::Obj, false);
+}
 BENCHMARK(BM_WriteGlb)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(BM_WriteGltfEmbedded)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(BM_WriteGltfWithViewer)->Unit(benchmark::kMillisecond)->UseRealTime();
@@ -111,7 +122,8 @@ BENCHMARK(BM_WriteObj)->Unit(benchmark::kMillisecond)->UseRealTime();
 // The ceiling: the same number of bytes as the .glb, written in one call.
 void BM_RawWritePeer(benchmark::State& state) {
     const ObrixDebugDrawFrame& frame = millionTriangles();
-    const std::size_t size = frame.items()[0].xyz.size() * 4 + frame.items()[0].triangles.size() * 4;
+    const std::size_t size =
+        frame.items()[0].xyz.size() * 4 + frame.items()[0].triangles.size() * 4;
     const std::string bytes(size, 'x');
     const std::string path =
         qvOS::Filename::join(qvOS::tempDirectory(), "obrix-bench-" + qvOS::Uuid().asString());

@@ -14,18 +14,21 @@ using Kind = ObrixDebugDrawFrame::Kind;
 
 const char* kindName(Kind kind) {
     switch (kind) {
-    case Kind::Mesh: return "mesh";
-    case Kind::Points: return "point set";
-    case Kind::Polyline: return "polyline";
-    case Kind::Label: return "label";
+    case Kind::Mesh:
+        return "mesh";
+    case Kind::Points:
+        return "point set";
+    case Kind::Polyline:
+        return "polyline";
+    case Kind::Label:
+        return "label";
     }
     return "item";
 }
 
 qvUtil::Error refuse(const ObrixDebugDrawFrame::Item& item, const char* why) {
     return qvUtil::Error(qvOS::OSError::InvalidArgument, "debug drawing: %s \"%s\" (%s:%d) %s",
-                         kindName(item.kind), item.name.c_str(), item.file.c_str(), item.line,
-                         why);
+                         kindName(item.kind), item.name.c_str(), item.file.c_str(), item.line, why);
 }
 
 // Normals follow the inverse transpose of the 3x3 block so that they stay perpendicular to
@@ -41,22 +44,26 @@ std::array<double, 9> normalMatrix(const T4dDblMatrix& m) {
         }
     const double det = a(0, 0) * n[0] + a(0, 1) * n[1] + a(0, 2) * n[2];
     if (det < 0)
-        for (double& v : n) v = -v;
+        for (double& v : n)
+            v = -v;
     return n;
 }
 
 std::vector<double> matrixRows(const DoubleGenMat& m) {
     std::vector<double> xyz;
-    if (m.cols() != 3) return xyz;
+    if (m.cols() != 3)
+        return xyz;
     xyz.reserve(std::size_t(m.rows()) * 3);
     for (unsigned i = 0; i < m.rows(); ++i)
-        for (int j = 0; j < 3; ++j) xyz.push_back(m(static_cast<int>(i), j));
+        for (int j = 0; j < 3; ++j)
+            xyz.push_back(m(static_cast<int>(i), j));
     return xyz;
 }
 
 } // namespace
 
-ObrixDebugDrawFrame::ObrixDebugDrawFrame(const char* name) : name_(name ? name : "") {}
+ObrixDebugDrawFrame::ObrixDebugDrawFrame(const char* name) : name_(name ? name : "") {
+}
 
 void ObrixDebugDrawFrame::setOrigin(const T3dDblPoint& origin) noexcept {
     origin_ = origin;
@@ -64,10 +71,12 @@ void ObrixDebugDrawFrame::setOrigin(const T3dDblPoint& origin) noexcept {
 }
 
 T3dDblPoint ObrixDebugDrawFrame::origin() const noexcept {
-    if (originSet_) return origin_;
+    if (originSet_)
+        return origin_;
     T3dDblPoint lo, hi;
     bounds(lo, hi);
-    if (lo.x > hi.x) return T3dDblPoint();
+    if (lo.x > hi.x)
+        return T3dDblPoint();
     return T3dDblPoint(0.5 * (lo.x + hi.x), 0.5 * (lo.y + hi.y), 0.5 * (lo.z + hi.z));
 }
 
@@ -93,20 +102,24 @@ void ObrixDebugDrawFrame::clear() noexcept {
 
 qvUtil::Error ObrixDebugDrawFrame::add(const char* layer, Item item) {
     const std::size_t n = item.vertexCount();
-    if (item.xyz.size() % 3 != 0 || n == 0) return refuse(item, "has no vertices");
+    if (item.xyz.size() % 3 != 0 || n == 0)
+        return refuse(item, "has no vertices");
     // Everything written is checked here, once, so that the writers can trust the frame and
     // every file they make is valid: a reader that meets a NaN or a wild index gives up on
     // the whole file, not on the item.
     for (double v : item.xyz)
-        if (!std::isfinite(v)) return refuse(item, "has a coordinate that is not finite");
+        if (!std::isfinite(v))
+            return refuse(item, "has a coordinate that is not finite");
     if (n > std::numeric_limits<std::uint32_t>::max())
         return refuse(item, "has more vertices than 32-bit indices reach");
-    if (item.kind == Kind::Polyline && n < 2) return refuse(item, "has fewer than two points");
+    if (item.kind == Kind::Polyline && n < 2)
+        return refuse(item, "has fewer than two points");
     if (item.kind == Kind::Mesh) {
         if (item.triangles.empty() || item.triangles.size() % 3 != 0)
             return refuse(item, "has no triangles");
         for (std::uint32_t index : item.triangles)
-            if (index >= n) return refuse(item, "has a triangle index past its vertices");
+            if (index >= n)
+                return refuse(item, "has a triangle index past its vertices");
     } else if (!item.triangles.empty()) {
         return refuse(item, "has triangles but is not a mesh");
     }
@@ -115,11 +128,12 @@ qvUtil::Error ObrixDebugDrawFrame::add(const char* layer, Item item) {
             return refuse(item, "does not have one normal per vertex");
         for (std::size_t i = 0; i < item.normals.size(); i += 3) {
             float* v = &item.normals[i];
-            const double len = std::sqrt(double(v[0]) * v[0] + double(v[1]) * v[1] +
-                                         double(v[2]) * v[2]);
+            const double len =
+                std::sqrt(double(v[0]) * v[0] + double(v[1]) * v[1] + double(v[2]) * v[2]);
             if (!std::isfinite(len) || len < 1e-30)
                 return refuse(item, "has a zero or non-finite normal");
-            for (int k = 0; k < 3; ++k) v[k] = static_cast<float>(v[k] / len);
+            for (int k = 0; k < 3; ++k)
+                v[k] = static_cast<float>(v[k] / len);
         }
     }
     // Colours are clamped here so that equal colours compare equal when writers share
@@ -129,7 +143,8 @@ qvUtil::Error ObrixDebugDrawFrame::add(const char* layer, Item item) {
     const std::string layerName = layer && *layer ? layer : "default";
     auto found = std::find(layers_.begin(), layers_.end(), layerName);
     item.layer = static_cast<unsigned>(found - layers_.begin());
-    if (found == layers_.end()) layers_.push_back(layerName);
+    if (found == layers_.end())
+        layers_.push_back(layerName);
     items_.push_back(std::move(item));
     return {};
 }
@@ -147,17 +162,19 @@ ObrixDebugDrawFrame::Item ObrixDebugDrawPen::start(Kind kind, ObrixDebugDrawColo
 
 qvUtil::Error ObrixDebugDrawPen::addPoints(Kind kind, const char* layer, const double* xyz,
                                            std::size_t count, std::size_t stride,
-                                           std::size_t componentStride,
-                                           ObrixDebugDrawColour colour, const char* name,
-                                           const char* text) {
+                                           std::size_t componentStride, ObrixDebugDrawColour colour,
+                                           const char* name, const char* text) {
     ObrixDebugDrawFrame::Item item = start(kind, colour, name);
-    if (text) item.text = text;
-    if (!xyz) count = 0;
+    if (text)
+        item.text = text;
+    if (!xyz)
+        count = 0;
     item.xyz.resize(count * 3);
     for (std::size_t i = 0; i < count; ++i) {
         T3dDblPoint p(xyz[i * stride], xyz[i * stride + componentStride],
                       xyz[i * stride + 2 * componentStride]);
-        if (transform_) p.postmultBy(*transform_);
+        if (transform_)
+            p.postmultBy(*transform_);
         item.xyz[i * 3] = p.x;
         item.xyz[i * 3 + 1] = p.y;
         item.xyz[i * 3 + 2] = p.z;
@@ -171,30 +188,33 @@ qvUtil::Error ObrixDebugDrawPen::mesh(const char* layer, const ObrixDebugDrawMes
     std::vector<double> normals;
     if (!mesh.normals.empty()) {
         normals.reserve(mesh.normals.size() * 3);
-        for (const T4dDblVector& v : mesh.normals) normals.insert(normals.end(), {v.x, v.y, v.z});
+        for (const T4dDblVector& v : mesh.normals)
+            normals.insert(normals.end(), {v.x, v.y, v.z});
     }
     if (!mesh.normals.empty() && mesh.normals.size() != mesh.positions.size()) {
         ObrixDebugDrawFrame::Item item = start(Kind::Mesh, colour, name);
         return refuse(item, "does not have one normal per vertex");
     }
-    return this->mesh(layer, mesh.positions.empty() ? nullptr : &mesh.positions[0].x,
-                      mesh.positions.size(),
-                      mesh.triangles.empty() ? nullptr : mesh.triangles[0].data(),
-                      mesh.triangles.size(), colour, name,
-                      normals.empty() ? nullptr : normals.data());
+    return this->mesh(
+        layer, mesh.positions.empty() ? nullptr : &mesh.positions[0].x, mesh.positions.size(),
+        mesh.triangles.empty() ? nullptr : mesh.triangles[0].data(), mesh.triangles.size(), colour,
+        name, normals.empty() ? nullptr : normals.data());
 }
 
-qvUtil::Error ObrixDebugDrawPen::mesh(const char* layer, const double* xyz,
-                                      std::size_t vertexCount, const std::uint32_t* triangles,
-                                      std::size_t triangleCount, ObrixDebugDrawColour colour,
-                                      const char* name, const double* normals) {
+qvUtil::Error ObrixDebugDrawPen::mesh(const char* layer, const double* xyz, std::size_t vertexCount,
+                                      const std::uint32_t* triangles, std::size_t triangleCount,
+                                      ObrixDebugDrawColour colour, const char* name,
+                                      const double* normals) {
     ObrixDebugDrawFrame::Item item = start(Kind::Mesh, colour, name);
-    if (!xyz) vertexCount = 0;
-    if (!triangles) triangleCount = 0;
+    if (!xyz)
+        vertexCount = 0;
+    if (!triangles)
+        triangleCount = 0;
     item.xyz.resize(vertexCount * 3);
     for (std::size_t i = 0; i < vertexCount; ++i) {
         T3dDblPoint p(xyz[i * 3], xyz[i * 3 + 1], xyz[i * 3 + 2]);
-        if (transform_) p.postmultBy(*transform_);
+        if (transform_)
+            p.postmultBy(*transform_);
         item.xyz[i * 3] = p.x;
         item.xyz[i * 3 + 1] = p.y;
         item.xyz[i * 3 + 2] = p.z;
@@ -202,7 +222,8 @@ qvUtil::Error ObrixDebugDrawPen::mesh(const char* layer, const double* xyz,
     item.triangles.assign(triangles, triangles + triangleCount * 3);
     if (normals) {
         std::array<double, 9> nm{1, 0, 0, 0, 1, 0, 0, 0, 1};
-        if (transform_) nm = normalMatrix(*transform_);
+        if (transform_)
+            nm = normalMatrix(*transform_);
         item.normals.resize(vertexCount * 3);
         for (std::size_t i = 0; i < vertexCount; ++i) {
             const double* v = normals + i * 3;
@@ -216,8 +237,8 @@ qvUtil::Error ObrixDebugDrawPen::mesh(const char* layer, const double* xyz,
 
 qvUtil::Error ObrixDebugDrawPen::points(const char* layer, std::span<const T3dDblPoint> points,
                                         ObrixDebugDrawColour colour, const char* name) {
-    return addPoints(Kind::Points, layer, points.empty() ? nullptr : &points[0].x, points.size(),
-                     3, 1, colour, name, nullptr);
+    return addPoints(Kind::Points, layer, points.empty() ? nullptr : &points[0].x, points.size(), 3,
+                     1, colour, name, nullptr);
 }
 
 qvUtil::Error ObrixDebugDrawPen::points(const char* layer, const DoubleGenMat& points,
@@ -225,8 +246,7 @@ qvUtil::Error ObrixDebugDrawPen::points(const char* layer, const DoubleGenMat& p
     if (points.cols() != 3)
         return refuse(start(Kind::Points, colour, name), "is not a matrix of three columns");
     const std::vector<double> xyz = matrixRows(points);
-    return addPoints(Kind::Points, layer, xyz.data(), points.rows(), 3, 1, colour, name,
-                     nullptr);
+    return addPoints(Kind::Points, layer, xyz.data(), points.rows(), 3, 1, colour, name, nullptr);
 }
 
 qvUtil::Error ObrixDebugDrawPen::points(const char* layer, const double* xyz, std::size_t count,
@@ -236,8 +256,8 @@ qvUtil::Error ObrixDebugDrawPen::points(const char* layer, const double* xyz, st
 
 qvUtil::Error ObrixDebugDrawPen::polyline(const char* layer, std::span<const T3dDblPoint> points,
                                           ObrixDebugDrawColour colour, const char* name) {
-    return addPoints(Kind::Polyline, layer, points.empty() ? nullptr : &points[0].x,
-                     points.size(), 3, 1, colour, name, nullptr);
+    return addPoints(Kind::Polyline, layer, points.empty() ? nullptr : &points[0].x, points.size(),
+                     3, 1, colour, name, nullptr);
 }
 
 qvUtil::Error ObrixDebugDrawPen::polyline(const char* layer, const DoubleGenMat& points,
@@ -245,13 +265,11 @@ qvUtil::Error ObrixDebugDrawPen::polyline(const char* layer, const DoubleGenMat&
     if (points.cols() != 3)
         return refuse(start(Kind::Polyline, colour, name), "is not a matrix of three columns");
     const std::vector<double> xyz = matrixRows(points);
-    return addPoints(Kind::Polyline, layer, xyz.data(), points.rows(), 3, 1, colour, name,
-                     nullptr);
+    return addPoints(Kind::Polyline, layer, xyz.data(), points.rows(), 3, 1, colour, name, nullptr);
 }
 
-qvUtil::Error ObrixDebugDrawPen::polyline(const char* layer, const double* xyz,
-                                          std::size_t count, ObrixDebugDrawColour colour,
-                                          const char* name) {
+qvUtil::Error ObrixDebugDrawPen::polyline(const char* layer, const double* xyz, std::size_t count,
+                                          ObrixDebugDrawColour colour, const char* name) {
     return addPoints(Kind::Polyline, layer, xyz, count, 3, 1, colour, name, nullptr);
 }
 

@@ -154,8 +154,8 @@ public:
                          ObrixDebugDrawColour colour, const char* name = nullptr);
     /// A point set from an n x 3 matrix, one point per row; another column count is
     /// InvalidArgument.
-    qvUtil::Error points(const char* layer, const DoubleGenMat& points,
-                         ObrixDebugDrawColour colour, const char* name = nullptr);
+    qvUtil::Error points(const char* layer, const DoubleGenMat& points, ObrixDebugDrawColour colour,
+                         const char* name = nullptr);
     /// A point set from count points as x, y, z doubles.
     qvUtil::Error points(const char* layer, const double* xyz, std::size_t count,
                          ObrixDebugDrawColour colour, const char* name = nullptr);

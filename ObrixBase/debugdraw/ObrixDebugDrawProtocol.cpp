@@ -68,8 +68,10 @@ std::filesystem::path fsPath(const qvString::CString& s) {
 
 qvUtil::Error writeWhole(const qvString::CString& path, const std::string& bytes) {
     std::ofstream out(fsPath(path), std::ios::binary | std::ios::trunc);
-    if (out) out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    if (out) out.close();
+    if (out)
+        out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    if (out)
+        out.close();
     if (!out)
         return qvUtil::Error(qvOS::OSError::Failed, "debug drawing: cannot write \"%s\": %s",
                              path.c_str(), std::strerror(errno));
@@ -84,7 +86,8 @@ std::string frameStem(unsigned number) {
 
 std::string threeDirectory() {
     qvString::CString dir;
-    if (qvOS::GetEnv("OBRIX_DEBUG_DRAW_THREE", dir) && !dir.empty()) return dir;
+    if (qvOS::GetEnv("OBRIX_DEBUG_DRAW_THREE", dir) && !dir.empty())
+        return dir;
     return "/usr/share/javascript/three";
 }
 
@@ -112,7 +115,9 @@ qvUtil::Error ObrixDebugDrawProtocol::enable(const qvString::CString& dir) {
     return {};
 }
 
-void ObrixDebugDrawProtocol::disable() { install(nullptr); }
+void ObrixDebugDrawProtocol::disable() {
+    install(nullptr);
+}
 
 ObrixDebugDrawProtocol* ObrixDebugDrawProtocol::current() noexcept {
     return drawState().protocol.get();
@@ -120,29 +125,36 @@ ObrixDebugDrawProtocol* ObrixDebugDrawProtocol::current() noexcept {
 
 qvString::CString ObrixDebugDrawProtocol::directory() {
     DrawState& s = drawState();
-    if (!s.pendingDir.empty()) return s.pendingDir;
+    if (!s.pendingDir.empty())
+        return s.pendingDir;
     if (auto* writer = dynamic_cast<ObrixDebugDrawFileWriter*>(s.protocol.get()))
         return writer->directory();
     return {};
 }
 
-ObrixDebugDrawFrame& ObrixDebugDrawProtocol::currentFrame() { return drawState().frame; }
+ObrixDebugDrawFrame& ObrixDebugDrawProtocol::currentFrame() {
+    return drawState().frame;
+}
 
 qvUtil::Error ObrixDebugDrawProtocol::send(const ObrixDebugDrawFrame& frame) {
-    if (!isOn()) return {};
+    if (!isOn())
+        return {};
     DrawState& s = drawState();
     if (!s.protocol && !s.pendingDir.empty()) {
         s.protocol = std::make_unique<ObrixDebugDrawFileWriter>(s.pendingDir);
         s.pendingDir.clear();
     }
-    if (!s.protocol) return {};
+    if (!s.protocol)
+        return {};
     return s.protocol->writeFrame(frame, ++s.sent);
 }
 
 qvUtil::Error ObrixDebugDrawProtocol::endFrame(const char* name) {
-    if (!isOn()) return {};
+    if (!isOn())
+        return {};
     DrawState& s = drawState();
-    if (name) s.frame.setName(name);
+    if (name)
+        s.frame.setName(name);
     qvUtil::Error result = send(s.frame);
     s.frame = ObrixDebugDrawFrame();
     return result;
@@ -151,17 +163,21 @@ qvUtil::Error ObrixDebugDrawProtocol::endFrame(const char* name) {
 struct ObrixDebugDrawFileWriter::ListedFrame : dd::ViewerFrame {};
 
 ObrixDebugDrawFileWriter::ObrixDebugDrawFileWriter(const qvString::CString& dir)
-    : ObrixDebugDrawFileWriter(dir, Options()) {}
+    : ObrixDebugDrawFileWriter(dir, Options()) {
+}
 
 ObrixDebugDrawFileWriter::ObrixDebugDrawFileWriter(const qvString::CString& dir, Options options)
-    : dir_(dir), options_(options), listed_(std::make_unique<std::vector<ListedFrame>>()) {}
+    : dir_(dir), options_(options), listed_(std::make_unique<std::vector<ListedFrame>>()) {
+}
 
 ObrixDebugDrawFileWriter::~ObrixDebugDrawFileWriter() = default;
 
 qvString::CString ObrixDebugDrawFileWriter::framePath(unsigned number) const {
     const char* ext = ".gltf";
-    if (options_.format == Format::Glb) ext = ".glb";
-    if (options_.format == Format::Obj) ext = ".obj";
+    if (options_.format == Format::Glb)
+        ext = ".glb";
+    if (options_.format == Format::Obj)
+        ext = ".obj";
     return qvOS::Filename::join(dir_, frameStem(number) + ext);
 }
 
@@ -172,7 +188,8 @@ qvString::CString ObrixDebugDrawFileWriter::viewerPath() const {
 qvUtil::Error ObrixDebugDrawFileWriter::writeFrame(const ObrixDebugDrawFrame& frame,
                                                    unsigned number) {
     if (!ready_) {
-        if (qvUtil::Error e = qvOS::Filename::makeDir(dir_); e.isError()) return e;
+        if (qvUtil::Error e = qvOS::Filename::makeDir(dir_); e.isError())
+            return e;
         if (options_.viewer)
             if (qvUtil::Error e = writeWhole(viewerPath(), dd::viewerPage(threeDirectory()));
                 e.isError())
@@ -193,17 +210,21 @@ qvUtil::Error ObrixDebugDrawFileWriter::writeFrame(const ObrixDebugDrawFrame& fr
         std::string bin;
         const std::string json = dd::encodeGltf(frame, number, stem + ".bin", bin);
         result = writeWhole(qvOS::Filename::join(dir_, stem + ".bin"), bin);
-        if (result.isOk()) result = writeWhole(framePath(number), json);
+        if (result.isOk())
+            result = writeWhole(framePath(number), json);
         break;
     }
-    case Format::Glb: result = writeWhole(framePath(number), dd::encodeGlb(frame, number)); break;
+    case Format::Glb:
+        result = writeWhole(framePath(number), dd::encodeGlb(frame, number));
+        break;
     case Format::Obj:
         result = writeWhole(qvOS::Filename::join(dir_, stem + ".mtl"), dd::encodeMtl(frame));
         if (result.isOk())
             result = writeWhole(framePath(number), dd::encodeObj(frame, number, stem + ".mtl"));
         break;
     }
-    if (result.isError() || !options_.viewer) return result;
+    if (result.isError() || !options_.viewer)
+        return result;
 
     if (embedded.empty()) {
         std::string bin;
@@ -215,8 +236,7 @@ qvUtil::Error ObrixDebugDrawFileWriter::writeFrame(const ObrixDebugDrawFrame& fr
     script.reserve(script.size() + embedded.size() + 4);
     script += embedded;
     script += ");\n";
-    if (qvUtil::Error e = writeWhole(qvOS::Filename::join(dir_, stem + ".js"), script);
-        e.isError())
+    if (qvUtil::Error e = writeWhole(qvOS::Filename::join(dir_, stem + ".js"), script); e.isError())
         return e;
     ListedFrame row;
     row.number = number;

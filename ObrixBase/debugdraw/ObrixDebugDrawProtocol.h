@@ -126,9 +126,9 @@ struct ObrixDebugDrawDiscard {
 #define OBRIX_DEBUG_DRAW OBRIX_DEBUG_DRAW_TO(ObrixDebugDrawProtocol::currentFrame())
 
 /// Records into the caller's own frame: `OBRIX_DEBUG_DRAW_TO(frame).polyline(...)`.
-#define OBRIX_DEBUG_DRAW_TO(frame)                                                             \
-    !ObrixDebugDrawProtocol::isOn() ? (void)0                                                  \
-                                    : ObrixDebugDrawDiscard() &                                \
-                                          ObrixDebugDrawPen((frame), __FILE__, __LINE__)
+#define OBRIX_DEBUG_DRAW_TO(frame)                                                                 \
+    !ObrixDebugDrawProtocol::isOn()                                                                \
+        ? (void)0                                                                                  \
+        : ObrixDebugDrawDiscard() & ObrixDebugDrawPen((frame), __FILE__, __LINE__)
 
 #endif

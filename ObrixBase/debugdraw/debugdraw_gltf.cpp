@@ -43,7 +43,9 @@ void appendNumber(std::string& out, long long v) {
 
 // Materials are shared by colour: a frame of many items in few colours has few materials.
 using ColourKey = std::tuple<float, float, float, float>;
-ColourKey keyOf(const ObrixDebugDrawColour& c) { return {c.r, c.g, c.b, c.a}; }
+ColourKey keyOf(const ObrixDebugDrawColour& c) {
+    return {c.r, c.g, c.b, c.a};
+}
 
 std::map<ColourKey, unsigned> materialIndices(const ObrixDebugDrawFrame& frame,
                                               std::vector<ObrixDebugDrawColour>& colours) {
@@ -54,14 +56,20 @@ std::map<ColourKey, unsigned> materialIndices(const ObrixDebugDrawFrame& frame,
     return index;
 }
 
-float clamp01(float v) { return v < 0 ? 0.0f : (v > 1 ? 1.0f : (v == v ? v : 0.0f)); }
+float clamp01(float v) {
+    return v < 0 ? 0.0f : (v > 1 ? 1.0f : (v == v ? v : 0.0f));
+}
 
 const char* kindName(Kind kind) {
     switch (kind) {
-    case Kind::Mesh: return "mesh";
-    case Kind::Points: return "points";
-    case Kind::Polyline: return "polyline";
-    case Kind::Label: return "label";
+    case Kind::Mesh:
+        return "mesh";
+    case Kind::Points:
+        return "points";
+    case Kind::Polyline:
+        return "polyline";
+    case Kind::Label:
+        return "label";
     }
     return "item";
 }
@@ -99,7 +107,8 @@ std::string jsonString(const std::string& text) {
         // JSON and lose the whole frame, so it becomes '?'.
         const int len = c >= 0xF0 && c < 0xF5 ? 4 : c >= 0xE0 ? 3 : c >= 0xC2 && c < 0xE0 ? 2 : 0;
         bool ok = len > 0 && i + len <= n;
-        for (int k = 1; ok && k < len; ++k) ok = (s[i + k] & 0xC0) == 0x80;
+        for (int k = 1; ok && k < len; ++k)
+            ok = (s[i + k] & 0xC0) == 0x80;
         if (ok && len == 3) {
             const unsigned cp = ((c & 0x0F) << 12) | ((s[i + 1] & 0x3F) << 6);
             ok = cp >= 0x800 && (cp < 0xD800 || cp > 0xDFFF);
@@ -121,15 +130,15 @@ std::string jsonString(const std::string& text) {
 }
 
 std::string base64(const std::string& bytes) {
-    static const char table[] =
-        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    static const char table[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
     const auto* s = reinterpret_cast<const unsigned char*>(bytes.data());
     const std::size_t n = bytes.size();
     std::string out((n + 2) / 3 * 4, '=');
     char* o = out.data();
     std::size_t i = 0;
     for (; i + 3 <= n; i += 3, o += 4) {
-        const std::uint32_t v = (std::uint32_t(s[i]) << 16) | (std::uint32_t(s[i + 1]) << 8) | s[i + 2];
+        const std::uint32_t v =
+            (std::uint32_t(s[i]) << 16) | (std::uint32_t(s[i + 1]) << 8) | s[i + 2];
         o[0] = table[v >> 18];
         o[1] = table[(v >> 12) & 63];
         o[2] = table[(v >> 6) & 63];
@@ -137,10 +146,12 @@ std::string base64(const std::string& bytes) {
     }
     if (i < n) {
         std::uint32_t v = std::uint32_t(s[i]) << 16;
-        if (i + 1 < n) v |= std::uint32_t(s[i + 1]) << 8;
+        if (i + 1 < n)
+            v |= std::uint32_t(s[i + 1]) << 8;
         o[0] = table[v >> 18];
         o[1] = table[(v >> 12) & 63];
-        if (i + 1 < n) o[2] = table[(v >> 6) & 63];
+        if (i + 1 < n)
+            o[2] = table[(v >> 6) & 63];
     }
     return out;
 }
@@ -161,7 +172,8 @@ std::string encodeGltf(const ObrixDebugDrawFrame& frame, unsigned number,
     std::string views, accessors, meshes, nodes;
     unsigned viewCount = 0, accessorCount = 0;
     auto addView = [&](std::size_t offset, std::size_t length, int target) {
-        if (viewCount++) views += ',';
+        if (viewCount++)
+            views += ',';
         views += "{\"buffer\":0,\"byteOffset\":";
         appendNumber(views, static_cast<long long>(offset));
         views += ",\"byteLength\":";
@@ -173,7 +185,8 @@ std::string encodeGltf(const ObrixDebugDrawFrame& frame, unsigned number,
     };
     auto addAccessor = [&](unsigned view, int componentType, std::size_t count, const char* type,
                            const float* lo, const float* hi) {
-        if (accessorCount++) accessors += ',';
+        if (accessorCount++)
+            accessors += ',';
         accessors += "{\"bufferView\":";
         appendNumber(accessors, static_cast<long long>(view));
         accessors += ",\"componentType\":";
@@ -190,7 +203,8 @@ std::string encodeGltf(const ObrixDebugDrawFrame& frame, unsigned number,
                 const float* v = key[3] == 'i' ? lo : hi;
                 accessors += key;
                 for (int k = 0; k < 3; ++k) {
-                    if (k) accessors += ',';
+                    if (k)
+                        accessors += ',';
                     appendNumber(accessors, static_cast<double>(v[k]));
                 }
                 accessors += ']';
@@ -212,8 +226,10 @@ std::string encodeGltf(const ObrixDebugDrawFrame& frame, unsigned number,
                 const double o = k == 0 ? origin.x : (k == 1 ? origin.y : origin.z);
                 const float v = static_cast<float>(item.xyz[i * 3 + k] - o);
                 relative[i * 3 + k] = v;
-                if (i == 0 || v < lo[k]) lo[k] = v;
-                if (i == 0 || v > hi[k]) hi[k] = v;
+                if (i == 0 || v < lo[k])
+                    lo[k] = v;
+                if (i == 0 || v > hi[k])
+                    hi[k] = v;
             }
         const unsigned posView = addView(bin.size(), n * 12, kArrayBuffer);
         appendRaw(bin, relative.data(), n * 12);
@@ -231,7 +247,8 @@ std::string encodeGltf(const ObrixDebugDrawFrame& frame, unsigned number,
             indices = static_cast<int>(
                 addAccessor(view, kUnsignedInt, item.triangles.size(), "SCALAR", nullptr, nullptr));
         }
-        if (m) meshes += ',';
+        if (m)
+            meshes += ',';
         meshes += "{\"name\":";
         meshes += jsonString(item.name);
         meshes += ",\"primitives\":[{\"attributes\":{\"POSITION\":";
@@ -248,12 +265,12 @@ std::string encodeGltf(const ObrixDebugDrawFrame& frame, unsigned number,
         meshes += ",\"material\":";
         appendNumber(meshes, static_cast<long long>(materials.at(keyOf(item.colour))));
         meshes += ",\"mode\":";
-        appendNumber(meshes, item.kind == Kind::Mesh ? 4LL : (item.kind == Kind::Polyline ? 3LL : 0LL));
+        appendNumber(meshes,
+                     item.kind == Kind::Mesh ? 4LL : (item.kind == Kind::Polyline ? 3LL : 0LL));
         meshes += "}]}";
 
         // Item nodes follow the root and the layer nodes.
-        layerChildren[item.layer].push_back(
-            static_cast<unsigned>(1 + frame.layers().size() + m));
+        layerChildren[item.layer].push_back(static_cast<unsigned>(1 + frame.layers().size() + m));
         nodes += ",{\"name\":";
         nodes += jsonString(item.kind == Kind::Label ? item.text : item.name);
         nodes += ",\"mesh\":";
@@ -295,7 +312,8 @@ std::string encodeGltf(const ObrixDebugDrawFrame& frame, unsigned number,
     if (!frame.layers().empty()) {
         out += ",\"children\":[";
         for (std::size_t l = 0; l < frame.layers().size(); ++l) {
-            if (l) out += ',';
+            if (l)
+                out += ',';
             appendNumber(out, static_cast<long long>(1 + l));
         }
         out += ']';
@@ -316,7 +334,8 @@ std::string encodeGltf(const ObrixDebugDrawFrame& frame, unsigned number,
         out += jsonString(frame.layers()[l]);
         out += ",\"children\":[";
         for (std::size_t c = 0; c < layerChildren[l].size(); ++c) {
-            if (c) out += ',';
+            if (c)
+                out += ',';
             appendNumber(out, static_cast<long long>(layerChildren[l][c]));
         }
         out += "],\"extras\":{\"layer\":";
@@ -329,7 +348,8 @@ std::string encodeGltf(const ObrixDebugDrawFrame& frame, unsigned number,
         out += ",\"materials\":[";
         for (std::size_t i = 0; i < colours.size(); ++i) {
             const auto& c = colours[i];
-            if (i) out += ',';
+            if (i)
+                out += ',';
             out += "{\"pbrMetallicRoughness\":{\"baseColorFactor\":[";
             for (float v : {c.r, c.g, c.b, c.a}) {
                 appendNumber(out, static_cast<double>(clamp01(v)));
@@ -337,7 +357,8 @@ std::string encodeGltf(const ObrixDebugDrawFrame& frame, unsigned number,
             }
             out.back() = ']';
             out += ",\"metallicFactor\":0,\"roughnessFactor\":0.8},\"doubleSided\":true";
-            if (clamp01(c.a) < 1.0f) out += ",\"alphaMode\":\"BLEND\"";
+            if (clamp01(c.a) < 1.0f)
+                out += ",\"alphaMode\":\"BLEND\"";
             out += '}';
         }
         out += "],\"meshes\":[";
@@ -368,14 +389,14 @@ std::string encodeGlb(const ObrixDebugDrawFrame& frame, unsigned number) {
     // Both chunks are padded to four bytes: the JSON with spaces, the buffer with zeros.
     json.append((4 - json.size() % 4) % 4, ' ');
     bin.append((4 - bin.size() % 4) % 4, '\0');
-    const std::uint32_t total = static_cast<std::uint32_t>(
-        12 + 8 + json.size() + (bin.empty() ? 0 : 8 + bin.size()));
+    const std::uint32_t total =
+        static_cast<std::uint32_t>(12 + 8 + json.size() + (bin.empty() ? 0 : 8 + bin.size()));
     std::string out;
     out.reserve(total);
     auto put32 = [&out](std::uint32_t v) {
-        const unsigned char b[4] = {static_cast<unsigned char>(v), static_cast<unsigned char>(v >> 8),
-                                    static_cast<unsigned char>(v >> 16),
-                                    static_cast<unsigned char>(v >> 24)};
+        const unsigned char b[4] = {
+            static_cast<unsigned char>(v), static_cast<unsigned char>(v >> 8),
+            static_cast<unsigned char>(v >> 16), static_cast<unsigned char>(v >> 24)};
         out.append(reinterpret_cast<const char*>(b), 4);
     };
     put32(0x46546C67); // "glTF"
@@ -453,8 +474,8 @@ std::string encodeObj(const ObrixDebugDrawFrame& frame, unsigned number,
             for (int k = 0; k < 3; ++k) {
                 const double o = k == 0 ? origin.x : (k == 1 ? origin.y : origin.z);
                 *p++ = ' ';
-                p = std::to_chars(p, buf + sizeof buf,
-                                  static_cast<float>(item.xyz[i * 3 + k] - o)).ptr;
+                p = std::to_chars(p, buf + sizeof buf, static_cast<float>(item.xyz[i * 3 + k] - o))
+                        .ptr;
             }
             *p++ = '\n';
             out.append(buf, p);
@@ -467,7 +488,8 @@ std::string encodeObj(const ObrixDebugDrawFrame& frame, unsigned number,
             for (std::size_t t = 0; t < item.triangles.size(); t += 3) {
                 char* p = buf;
                 *p++ = 'f';
-                for (int k = 0; k < 3; ++k) p = index(p, item.triangles[t + k]);
+                for (int k = 0; k < 3; ++k)
+                    p = index(p, item.triangles[t + k]);
                 *p++ = '\n';
                 out.append(buf, p);
             }

@@ -48,9 +48,9 @@ void tourDebugDraw() {
     // (a cosh t, a sinh t) with a = sqrt(0.4), sampled as a polyline.
     const double a = std::sqrt(0.4);
     OBRIX_DEBUG_DRAW.mesh("surfaces", surface, ObrixDebugDrawColours::grey, "saddle");
-    OBRIX_DEBUG_DRAW.curve("curves",
-                           [a](double t) { return T3dDblPoint(a * std::cosh(t), a * std::sinh(t), 0.2); },
-                           -0.9, 0.9, 64, ObrixDebugDrawColours::yellow, "section at z = 0.2");
+    OBRIX_DEBUG_DRAW.curve(
+        "curves", [a](double t) { return T3dDblPoint(a * std::cosh(t), a * std::sinh(t), 0.2); },
+        -0.9, 0.9, 64, ObrixDebugDrawColours::yellow, "section at z = 0.2");
     const T3dDblPoint ends[] = {T3dDblPoint(a * std::cosh(-0.9), a * std::sinh(-0.9), 0.2),
                                 T3dDblPoint(a, 0, 0.2),
                                 T3dDblPoint(a * std::cosh(0.9), a * std::sinh(0.9), 0.2)};

@@ -33,7 +33,8 @@ TEST(ObrixDebugDrawFrame, RefusesWhatWouldMakeAnInvalidFileAndKeepsTheFrameUncha
         pen.points("p", nullptr, 5, red, "null"),
         pen.points("p", twoColumns, red, "two columns"),
         pen.polyline("l", tri, 1, red, "one point"),
-        pen.curve("c", [](double t) { return T3dDblPoint(t, 0, 0); }, 0, 1, 1, red, "one sample"),
+        pen.curve(
+            "c", [](double t) { return T3dDblPoint(t, 0, 0); }, 0, 1, 1, red, "one sample"),
         pen.curve("c", {}, 0, 1, 5, red, "no curve"),
     };
     for (const qvUtil::Error& e : refused) {
@@ -91,8 +92,10 @@ TEST(ObrixDebugDrawFrame, TransformMovesPointsAndKeepsNormalsPerpendicularUnderS
     const double normals[] = {1, 1, 0, 1, 1, 0, 1, 1, 0};
     const std::uint32_t tri[] = {0, 1, 2};
     ObrixDebugDrawFrame frame;
-    ASSERT_TRUE(ObrixDebugDrawPen(frame, "", 0).transform(m).mesh("s", xyz, 3, tri, 1, red, "",
-                                                                   normals).isOk());
+    ASSERT_TRUE(ObrixDebugDrawPen(frame, "", 0)
+                    .transform(m)
+                    .mesh("s", xyz, 3, tri, 1, red, "", normals)
+                    .isOk());
     const auto& item = frame.items()[0];
     EXPECT_EQ(item.xyz[0], 104.0);
     EXPECT_EQ(item.xyz[1], -50.0);
@@ -119,7 +122,8 @@ TEST(ObrixDebugDrawFrame, CurveSamplesSpanBothEndsExactly) {
     ObrixDebugDrawFrame frame;
     const double t0 = 0.1, t1 = 0.7;
     ASSERT_TRUE(ObrixDebugDrawPen(frame, "", 0)
-                    .curve("c", [](double t) { return T3dDblPoint(t, t * t, 0); }, t0, t1, 7, red)
+                    .curve(
+                        "c", [](double t) { return T3dDblPoint(t, t * t, 0); }, t0, t1, 7, red)
                     .isOk());
     const auto& xyz = frame.items()[0].xyz;
     ASSERT_EQ(xyz.size(), 21u);
@@ -130,7 +134,8 @@ TEST(ObrixDebugDrawFrame, CurveSamplesSpanBothEndsExactly) {
     // Points from an n x 3 matrix are its rows.
     DoubleGenMat rows(2, 3);
     for (int i = 0; i < 2; ++i)
-        for (int j = 0; j < 3; ++j) rows(i, j) = 10 * i + j;
+        for (int j = 0; j < 3; ++j)
+            rows(i, j) = 10 * i + j;
     ObrixDebugDrawPen(frame, "", 0).points("p", rows, red);
     EXPECT_EQ(frame.items()[1].xyz, (std::vector<double>{0, 1, 2, 10, 11, 12}));
 }

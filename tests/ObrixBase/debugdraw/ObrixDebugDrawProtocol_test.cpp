@@ -22,11 +22,16 @@ std::atomic<long> allocations{0};
 }
 void* operator new(std::size_t size) {
     allocations.fetch_add(1, std::memory_order_relaxed);
-    if (void* p = std::malloc(size ? size : 1)) return p;
+    if (void* p = std::malloc(size ? size : 1))
+        return p;
     throw std::bad_alloc();
 }
-void operator delete(void* p) noexcept { std::free(p); }
-void operator delete(void* p, std::size_t) noexcept { std::free(p); }
+void operator delete(void* p) noexcept {
+    std::free(p);
+}
+void operator delete(void* p, std::size_t) noexcept {
+    std::free(p);
+}
 
 namespace {
 
@@ -62,8 +67,10 @@ TEST_F(ObrixDebugDrawOff, AMillionDisabledCallsAllocateNothingWriteNothingAndEva
     const long before = allocations.load();
     for (int i = 0; i < 1000000; ++i) {
         OBRIX_DEBUG_DRAW.points("hits", costly(), green, "never");
-        if (i % 2) OBRIX_DEBUG_DRAW.label("labels", T3dDblPoint(i, 0, 0), "never");
-        else OBRIX_DEBUG_DRAW.polyline("curves", costly(), green);
+        if (i % 2)
+            OBRIX_DEBUG_DRAW.label("labels", T3dDblPoint(i, 0, 0), "never");
+        else
+            OBRIX_DEBUG_DRAW.polyline("curves", costly(), green);
     }
     const bool ended = ObrixDebugDrawProtocol::endFrame("never").isOk();
     const long allocated = allocations.load() - before;
@@ -115,9 +122,9 @@ TEST_F(ObrixDebugDrawSwitch, EnableMakesTheRunFolderOnlyWhenTheFirstFrameIsWritt
     OBRIX_DEBUG_DRAW.points("p", std::vector<T3dDblPoint>{T3dDblPoint(1, 2, 3)}, green);
     ASSERT_TRUE(ObrixDebugDrawProtocol::endFrame("first").isOk());
     ASSERT_TRUE(ObrixDebugDrawProtocol::endFrame("second").isOk());
-    EXPECT_EQ(listing(run), (std::vector<std::string>{"frame-000001.gltf", "frame-000001.js",
-                                                      "frame-000002.gltf", "frame-000002.js",
-                                                      "frames.js", "viewer.html"}));
+    EXPECT_EQ(listing(run),
+              (std::vector<std::string>{"frame-000001.gltf", "frame-000001.js", "frame-000002.gltf",
+                                        "frame-000002.js", "frames.js", "viewer.html"}));
     const std::string list = TempDir::read(qvOS::Filename::join(run, "frames.js"));
     EXPECT_EQ(list, "obrixDebugDrawFrames([\n"
                     "{\"number\":1,\"name\":\"first\",\"file\":\"frame-000001.gltf\","
@@ -132,7 +139,8 @@ TEST(ObrixDebugDrawFileWriter, ObjReadsBackWithTheSameVerticesFarFromTheWorldOri
     TempDir dir;
     ObrixDebugDrawFrame frame("far");
     std::vector<T3dDblPoint> points;
-    for (int i = 0; i < 20; ++i) points.emplace_back(1e7 + i * 1e-3, -3e6, 5e6 + i * 2e-3);
+    for (int i = 0; i < 20; ++i)
+        points.emplace_back(1e7 + i * 1e-3, -3e6, 5e6 + i * 2e-3);
     ObrixDebugDrawPen(frame, "f.cpp", 1).points("p", points, green, "row");
     ObrixDebugDrawPen(frame, "f.cpp", 2).polyline("l", points, green, "line");
     const double tri[] = {1e7, -3e6, 5e6, 1e7 + 1, -3e6, 5e6, 1e7, -3e6 + 1, 5e6};
@@ -140,8 +148,8 @@ TEST(ObrixDebugDrawFileWriter, ObjReadsBackWithTheSameVerticesFarFromTheWorldOri
     ObrixDebugDrawPen(frame, "f.cpp", 3).mesh("m", tri, 3, idx, 1, green, "tri");
     ObrixDebugDrawFileWriter writer(dir.path(), {ObrixDebugDrawFileWriter::Format::Obj, false});
     ASSERT_TRUE(writer.writeFrame(frame, 4).isOk());
-    EXPECT_EQ(listing(dir.path()), (std::vector<std::string>{"frame-000004.mtl",
-                                                             "frame-000004.obj"}));
+    EXPECT_EQ(listing(dir.path()),
+              (std::vector<std::string>{"frame-000004.mtl", "frame-000004.obj"}));
 
     std::istringstream obj(TempDir::read(writer.framePath(4)));
     double origin[3] = {0, 0, 0};
@@ -164,7 +172,8 @@ TEST(ObrixDebugDrawFileWriter, ObjReadsBackWithTheSameVerticesFarFromTheWorldOri
         }
     }
     std::vector<double> expected;
-    for (const auto& item : frame.items()) expected.insert(expected.end(), item.xyz.begin(), item.xyz.end());
+    for (const auto& item : frame.items())
+        expected.insert(expected.end(), item.xyz.begin(), item.xyz.end());
     ASSERT_EQ(vertices.size(), expected.size());
     for (std::size_t i = 0; i < vertices.size(); ++i)
         EXPECT_NEAR(vertices[i], expected[i], 1e-4) << "coordinate " << i;

@@ -63,14 +63,18 @@ void drawScene(ObrixDebugDrawFrame& frame) {
     ObrixDebugDrawPen(frame, __FILE__, __LINE__)
         .polyline("curves", edge, ObrixDebugDrawColours::blue, "boundary");
     ObrixDebugDrawPen(frame, __FILE__, __LINE__)
-        .curve("curves", [](double t) { return at(0.5 + 0.4 * std::cos(t), 0.5 + 0.4 * std::sin(t), 0.15); },
-               0.0, 6.283185307179586, 48, ObrixDebugDrawColours::white, "circle");
+        .curve(
+            "curves",
+            [](double t) { return at(0.5 + 0.4 * std::cos(t), 0.5 + 0.4 * std::sin(t), 0.15); },
+            0.0, 6.283185307179586, 48, ObrixDebugDrawColours::white, "circle");
     ObrixDebugDrawPen(frame, __FILE__, __LINE__)
         .label("labels", at(0.2, 0.5, 0.1), "first hit \xc3\xa9", ObrixDebugDrawColours::green);
     ObrixDebugDrawPen(frame, __FILE__, __LINE__).label("labels", at(0.8, 0.5, 0.1), "last hit");
 }
 
-void printJsonNumber(double v) { std::printf("%.17g", v); }
+void printJsonNumber(double v) {
+    std::printf("%.17g", v);
+}
 
 } // namespace
 
@@ -81,10 +85,14 @@ int main(int argc, char** argv) {
     }
     ObrixDebugDrawFileWriter::Options options;
     const std::string format = argv[2];
-    if (format == "gltf") options.format = ObrixDebugDrawFileWriter::Format::Gltf;
-    else if (format == "gltf-separate") options.format = ObrixDebugDrawFileWriter::Format::GltfSeparate;
-    else if (format == "glb") options.format = ObrixDebugDrawFileWriter::Format::Glb;
-    else if (format == "obj") options.format = ObrixDebugDrawFileWriter::Format::Obj;
+    if (format == "gltf")
+        options.format = ObrixDebugDrawFileWriter::Format::Gltf;
+    else if (format == "gltf-separate")
+        options.format = ObrixDebugDrawFileWriter::Format::GltfSeparate;
+    else if (format == "glb")
+        options.format = ObrixDebugDrawFileWriter::Format::Glb;
+    else if (format == "obj")
+        options.format = ObrixDebugDrawFileWriter::Format::Obj;
     else {
         std::fprintf(stderr, "debugdraw_sample: unknown format '%s'\n", argv[2]);
         return 2;
@@ -101,7 +109,7 @@ int main(int argc, char** argv) {
     }
     // What was drawn, in model coordinates: the checker compares the files against it.
     const T3dDblPoint o = frame.origin();
-    std::printf("{\"file\": \"%s\", \"viewer\": \"%s\", \"origin\": [", 
+    std::printf("{\"file\": \"%s\", \"viewer\": \"%s\", \"origin\": [",
                 qvOS::Filename::base(writer.framePath(1)).c_str(),
                 qvOS::Filename::base(writer.viewerPath()).c_str());
     printJsonNumber(o.x), std::printf(","), printJsonNumber(o.y), std::printf(","),
@@ -118,7 +126,8 @@ int main(int argc, char** argv) {
                     i ? ", " : "", kinds[static_cast<int>(item.kind)], item.vertexCount(),
                     item.triangles.size(), item.normals.empty() ? "false" : "true");
         for (std::size_t k = 0; k < item.xyz.size(); ++k) {
-            if (k) std::printf(",");
+            if (k)
+                std::printf(",");
             printJsonNumber(item.xyz[k]);
         }
         std::printf("]}");
