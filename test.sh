@@ -3,6 +3,9 @@
 set -euo pipefail
 cd "$(dirname "$0")"
 scripts/deps.sh build test desktop
+# Chromium, three.js and node for the debug-drawing viewer's checks; they skip when missing.
+scripts/deps.sh browser || echo "test.sh: browser packages unavailable; their checks will skip" >&2
 cmake --preset dev >/dev/null
+scripts/install-test-tools.sh build/dev
 cmake --build --preset dev
 ctest --preset dev

@@ -122,6 +122,10 @@
 #include "ObrixBase/undo/UndoCommand.h"
 #include "ObrixBase/undo/StatefulUndoCmd.h"
 
+/* ---- debug drawing ---- */
+#include "ObrixBase/debugdraw/ObrixDebugDrawFrame.h"
+#include "ObrixBase/debugdraw/ObrixDebugDrawProtocol.h"
+
 #endif /* __cplusplus */
 
 #endif

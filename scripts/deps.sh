@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian 12 packages that a task needs, and nothing when they are all there.
-# Usage: scripts/deps.sh build|test|desktop|bench|fuzz|windows ...
+# Usage: scripts/deps.sh build|test|desktop|bench|fuzz|windows|browser|npm ...
 set -euo pipefail
 
 packages_for() {
@@ -15,6 +15,11 @@ packages_for() {
     # its programs (wine64 alone puts no `wine` on PATH), and GoogleTest's sources to build
     # for Windows.
     windows) echo "g++-mingw-w64-x86-64-posix binutils-mingw-w64 wine wine64 googletest" ;;
+    # The debug-drawing viewer's checks: Chromium opens the page headless, three.js is inlined
+    # into it, and node runs the glTF validator (installed by scripts/install-test-tools.sh).
+    browser) echo "chromium libjs-three nodejs" ;;
+    # npm, for a node that does not bring its own (Debian's does not).
+    npm) echo "npm" ;;
     *) echo "scripts/deps.sh: unknown group '$1'" >&2; exit 2 ;;
   esac
 }

@@ -25,6 +25,7 @@ int main(int argc, char** argv) {
     tourFileCache();
     tourWarnings();
     tourFiles();
+    tourDebugDraw();
 
     MA_Stats stats;
     MA_get_stats(&stats);

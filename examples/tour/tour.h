@@ -15,6 +15,7 @@ void tourFileCache();      // two processes sharing a cached file
 int tourFileCacheReader(const char* directory, const char* key);
 void tourWarnings();       // a warning answered by a script
 void tourFiles();          // project directories, an image sequence on disk
+void tourDebugDraw();      // a surface, a curve and labelled points drawn for a browser
 
 /// Prints a chapter heading.
 void tourHeading(const char* title);
