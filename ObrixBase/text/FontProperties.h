@@ -25,14 +25,18 @@ public:
     /// Default lets the system choose; Fixed is monospaced.
     enum class Pitch : int { Default = 0, Fixed = 1, Variable = 2 };
 
-    /// Weights are hundreds from 100 (thin) to 900 (black), as font files number them.
-    static constexpr int MinWeight = 100;
-    static constexpr int NormalWeight = 400;
-    static constexpr int BoldWeight = 700;
-    static constexpr int MaxWeight = 900;
-    static constexpr int DefaultSize = 10;
-    /// The error code of fromText.
-    static constexpr int ParseError = 1;
+    // Enumerators rather than static data members: a static member of an exported class is
+    // imported from the DLL on Windows, where an inline constant has nothing to import.
+    enum : int {
+        /// Weights are hundreds from 100 (thin) to 900 (black), as font files number them.
+        MinWeight = 100,
+        NormalWeight = 400,
+        BoldWeight = 700,
+        MaxWeight = 900,
+        DefaultSize = 10,
+        /// The error code of fromText.
+        ParseError = 1,
+    };
 
     /// The sizes, in points, that the Windows font dialog offers for scalable fonts. The
     /// application's users pick fonts in that dialog, so a font that keeps to its list can
