@@ -7,6 +7,9 @@
 
 void tourHeading(const char* title) {
     std::printf("\n== %s ==\n", title);
+    // Chapters start helper programs that write to the same terminal or file: what the tour
+    // printed so far goes out first, so the two stay in order.
+    std::fflush(stdout);
 }
 
 int main(int argc, char** argv) {
