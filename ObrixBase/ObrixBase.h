@@ -5,6 +5,7 @@
 #define OBRIX_OBRIXBASE_H
 
 #include "ObrixBase/ObrixExport.h"
+#include "ObrixBase/ObrixVersion.h"
 
 /* ---- C interface: memory accounting ---- */
 #include "ObrixBase/memory/ma_memory_manager.h"
