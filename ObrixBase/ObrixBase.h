@@ -49,6 +49,7 @@
 #include "ObrixBase/geometry/Tscale.h"
 #include "ObrixBase/geometry/TpostXformMatrix.h"
 #include "ObrixBase/geometry/Tplane.h"
+#include "ObrixBase/geometry/geometry_stream.h"
 
 /* ---- numerics: storage, vectors, matrices ---- */
 #include "ObrixBase/math/MathError.h"
