@@ -2,6 +2,21 @@
 #ifndef BASE_BASEEXPORT_H
 #define BASE_BASEEXPORT_H
 
+/* The C++ headers use C++20 (concepts, std::span, designated initialisers); an older standard
+   would fail far inside them, so say so here. C callers are not affected. MSVC reports its
+   standard in _MSVC_LANG, since __cplusplus stays 199711L there without /Zc:__cplusplus. */
+#if defined(__cplusplus)
+#if defined(_MSVC_LANG)
+#define BASE_CPLUSPLUS_LEVEL _MSVC_LANG
+#else
+#define BASE_CPLUSPLUS_LEVEL __cplusplus
+#endif
+#if BASE_CPLUSPLUS_LEVEL < 202002L
+#error "libBase needs C++20 or later: compile with -std=c++20 (CMake: cxx_std_20, pkg-config: obrixbase)"
+#endif
+#undef BASE_CPLUSPLUS_LEVEL
+#endif
+
 #if defined(_WIN32)
 #if defined(BASE_BUILDING)
 #define BASE_API __declspec(dllexport)

@@ -5,6 +5,7 @@
 #define OBRIX_OBRIXBASE_H
 
 #include "ObrixBase/ObrixExport.h"
+#include "ObrixBase/ObrixVersion.h"
 
 /* ---- C interface: memory accounting ---- */
 #include "ObrixBase/memory/ma_memory_manager.h"
@@ -67,6 +68,7 @@
 #include "ObrixBase/geometry/TboundingBox.h"
 #include "ObrixBase/geometry/TpointTarget.h"
 #include "ObrixBase/geometry/TnumberSequence.h"
+#include "ObrixBase/geometry/geometry_stream.h"
 
 /* ---- numerics: storage, vectors, matrices ---- */
 #include "ObrixBase/math/MathError.h"

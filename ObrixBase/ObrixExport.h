@@ -3,6 +3,21 @@
 #ifndef OBRIX_OBRIXEXPORT_H
 #define OBRIX_OBRIXEXPORT_H
 
+/* The C++ headers use C++20 (concepts, std::span, designated initialisers); an older standard
+   would fail far inside them, so say so here. C callers are not affected. MSVC reports its
+   standard in _MSVC_LANG, since __cplusplus stays 199711L there without /Zc:__cplusplus. */
+#if defined(__cplusplus)
+#if defined(_MSVC_LANG)
+#define OBRIX_CPLUSPLUS_LEVEL _MSVC_LANG
+#else
+#define OBRIX_CPLUSPLUS_LEVEL __cplusplus
+#endif
+#if OBRIX_CPLUSPLUS_LEVEL < 202002L
+#error "ObrixBase needs C++20 or later: compile with -std=c++20 (CMake: cxx_std_20, pkg-config: obrixbase)"
+#endif
+#undef OBRIX_CPLUSPLUS_LEVEL
+#endif
+
 #if defined(_WIN32)
 #if defined(OBRIX_BUILDING)
 #define OBRIX_API __declspec(dllexport)

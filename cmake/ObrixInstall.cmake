@@ -32,7 +32,15 @@ install(FILES ${PROJECT_BINARY_DIR}/ObrixBaseConfig.cmake
 # The .pc file finds its prefix from its own place, so an installed tree can be moved.
 file(RELATIVE_PATH OBRIX_PC_TO_PREFIX "/prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/prefix")
 string(REGEX REPLACE "/$" "" OBRIX_PC_TO_PREFIX "${OBRIX_PC_TO_PREFIX}")
+# Two files from one template: the C++ headers need C++20, which a C compiler refuses as an
+# option, so C callers take obrixbase-c (the same library and include path, no language flag).
+set(OBRIX_PC_FOR " (C++ callers)")
+set(OBRIX_PC_STD "-std=c++20 ")
 configure_file(${PROJECT_SOURCE_DIR}/cmake/obrixbase.pc.in
                ${PROJECT_BINARY_DIR}/obrixbase.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/obrixbase.pc
+set(OBRIX_PC_FOR " (C callers)")
+set(OBRIX_PC_STD "")
+configure_file(${PROJECT_SOURCE_DIR}/cmake/obrixbase.pc.in
+               ${PROJECT_BINARY_DIR}/obrixbase-c.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/obrixbase.pc ${PROJECT_BINARY_DIR}/obrixbase-c.pc
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

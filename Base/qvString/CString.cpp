@@ -28,44 +28,82 @@ CString CString::vformat(const char* format, va_list args) {
 }
 
 // UTF-8 <-> UTF-32/UTF-16 by hand: the standard's codecvt facets are deprecated, and the
-// platform strings must not depend on the process locale. Malformed bytes become U+FFFD.
+// platform strings must not depend on the process locale.
+namespace {
+
+// The bytes that may follow a lead byte as its first continuation. Narrowing the range here is
+// what refuses overlong forms (E0, F0), UTF-16 surrogates (ED) and code points above U+10FFFF
+// (F4); every later continuation byte is 80..BF.
+struct LeadByte {
+    int continuations; // -1: the byte cannot start a character
+    unsigned char firstLow, firstHigh;
+};
+
+LeadByte classify(unsigned char b) {
+    if (b < 0x80)
+        return {0, 0, 0};
+    if (b < 0xC2) // continuation bytes, and C0/C1 which only start overlong two-byte forms
+        return {-1, 0, 0};
+    if (b < 0xE0)
+        return {1, 0x80, 0xBF};
+    if (b == 0xE0)
+        return {2, 0xA0, 0xBF};
+    if (b == 0xED)
+        return {2, 0x80, 0x9F};
+    if (b < 0xF0)
+        return {2, 0x80, 0xBF};
+    if (b == 0xF0)
+        return {3, 0x90, 0xBF};
+    if (b < 0xF4)
+        return {3, 0x80, 0xBF};
+    if (b == 0xF4)
+        return {3, 0x80, 0x8F};
+    return {-1, 0, 0};
+}
+
+void appendCodePoint(IString& out, char32_t c) {
+    if constexpr (sizeof(wchar_t) == 2) {
+        if (c >= 0x10000) {
+            c -= 0x10000;
+            out.push_back(static_cast<wchar_t>(0xD800 + (c >> 10)));
+            out.push_back(static_cast<wchar_t>(0xDC00 + (c & 0x3FF)));
+            return;
+        }
+    }
+    out.push_back(static_cast<wchar_t>(c));
+}
+
+} // namespace
+
 IString CString::toWide() const {
+    constexpr char32_t replacement = 0xFFFD;
     IString out;
     const auto* p = reinterpret_cast<const unsigned char*>(data());
     const auto* end = p + size();
     while (p < end) {
-        char32_t c = *p++;
-        int extra = c < 0x80           ? 0
-                    : (c >> 5) == 0x6  ? 1
-                    : (c >> 4) == 0xE  ? 2
-                    : (c >> 3) == 0x1E ? 3
-                                       : -1;
-        if (extra < 0) {
-            out.push_back(static_cast<wchar_t>(0xFFFD));
+        const LeadByte lead = classify(*p);
+        if (lead.continuations < 0) {
+            out.push_back(static_cast<wchar_t>(replacement));
+            ++p;
             continue;
         }
-        c &= extra == 0 ? 0x7F : (0x3F >> extra);
-        bool bad = false;
-        for (int i = 0; i < extra; ++i) {
-            if (p >= end || (*p >> 6) != 0x2) {
-                bad = true;
+        char32_t c = lead.continuations == 0 ? *p : (*p & (0x3F >> lead.continuations));
+        const auto* q = p + 1;
+        bool complete = true;
+        for (int i = 0; i < lead.continuations; ++i, ++q) {
+            const unsigned char low = i == 0 ? lead.firstLow : 0x80;
+            const unsigned char high = i == 0 ? lead.firstHigh : 0xBF;
+            if (q >= end || *q < low || *q > high) {
+                complete = false;
                 break;
             }
-            c = (c << 6) | (*p++ & 0x3F);
+            c = (c << 6) | (*q & 0x3F);
         }
-        if (bad) {
-            out.push_back(static_cast<wchar_t>(0xFFFD));
-            continue;
-        }
-        if constexpr (sizeof(wchar_t) == 2) {
-            if (c >= 0x10000) {
-                c -= 0x10000;
-                out.push_back(static_cast<wchar_t>(0xD800 + (c >> 10)));
-                out.push_back(static_cast<wchar_t>(0xDC00 + (c & 0x3FF)));
-                continue;
-            }
-        }
-        out.push_back(static_cast<wchar_t>(c));
+        // An ill-formed sequence is replaced as a whole up to the byte that broke it, and that
+        // byte is read again as a possible lead: one U+FFFD per maximal ill-formed prefix, so
+        // a bad byte never swallows the good character after it.
+        appendCodePoint(out, complete ? c : replacement);
+        p = q;
     }
     return out;
 }

@@ -28,7 +28,13 @@ public:
     /// format with an argument list.
     static CString vformat(const char* format, va_list args);
 
-    /// The UTF-8 text as a wide string.
+    /// The UTF-8 text as a wide string (UTF-32 where wchar_t has 32 bits, UTF-16 with surrogate
+    /// pairs where it has 16, as on Windows). Never fails: each ill-formed sequence is replaced
+    /// by one U+FFFD, up to the byte that made it ill-formed, which is then read as the start of
+    /// the next character. Ill-formed are: bytes C0, C1, F5..FF and stray continuation bytes;
+    /// overlong forms (C0 80, E0 80 AF); UTF-16 surrogates (ED A0 80); code points above
+    /// U+10FFFF (F4 90 80 80); and sequences cut short by the end or by a non-continuation
+    /// byte. So "C0 80" never becomes NUL and "E0 80 AF" never becomes '/'.
     IString toWide() const;
 };
 

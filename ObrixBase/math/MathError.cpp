@@ -1,5 +1,6 @@
 #include "ObrixBase/math/MathError.h"
 
+#include <cstdio>
 #include <cstdlib>
 
 #include "Base/rpt/rpt.h"
@@ -107,14 +108,22 @@ MathErrorHandler setMathErrorHandler(MathErrorHandler handler) {
     return previous;
 }
 
-void defaultMathErrorHandler(const MathError& error, va_list args) {
-    if (error.code == 0)
-        return;
+namespace {
+
+std::uint32_t resolvedSeverity(const MathError& error, const MessageCatalogue* catalogue) {
+    if (catalogue == nullptr)
+        return MATH_TERMINATE;
+    return error.severity == MATH_DEFAULT ? catalogue->entries[error.code & 0xFFF].severity
+                                          : error.severity;
+}
+
+// The report every reporting handler writes: "** ", the message, ".\n". Returns the resolved
+// severity; an unregistered catalogue reports its number instead and counts as terminating.
+std::uint32_t reportMathError(const MathError& error, va_list args) {
     const MessageCatalogue* catalogue = findCatalogue(error.code);
     if (catalogue == nullptr) {
         rptError("Error number 0x%hx.", error.code);
-        rptError("** Processing terminated.\n");
-        std::abort();
+        return MATH_TERMINATE;
     }
     // The entry index is trusted as the raiser gave it: codes come from the library's own
     // enumerations, never from user data.
@@ -125,13 +134,64 @@ void defaultMathErrorHandler(const MathError& error, va_list args) {
     rptVError(entry.format, copy);
     va_end(copy);
     rptError(".\n");
-    std::uint32_t severity = error.severity == MATH_DEFAULT ? entry.severity : error.severity;
-    if (severity == MATH_CONTINUE) {
+    return resolvedSeverity(error, catalogue);
+}
+
+// The reporting sink may be the standard streams, buffered when they are not terminals; abort
+// would drop what they still hold, which is the very message that says why.
+[[noreturn]] void flushAndAbort() {
+    std::fflush(stdout);
+    std::fflush(stderr);
+    std::abort();
+}
+
+} // namespace
+
+void defaultMathErrorHandler(const MathError& error, va_list args) {
+    if (error.code == 0)
+        return;
+    if (reportMathError(error, args) == MATH_CONTINUE) {
         rptError("** Processing continues.\n");
         return;
     }
     rptError("** Processing terminated.\n");
-    std::abort();
+    flushAndAbort();
+}
+
+void continuingMathErrorHandler(const MathError& error, va_list args) {
+    if (error.code == 0)
+        return;
+    reportMathError(error, args);
+    rptError("** Processing continues.\n");
+}
+
+MathException::MathException(std::uint16_t code, std::uint32_t severity, const std::string& message)
+    : std::runtime_error(message), code_(code), severity_(severity) {
+}
+
+void throwingMathErrorHandler(const MathError& error, va_list args) {
+    if (error.code == 0)
+        return;
+    const MessageCatalogue* catalogue = findCatalogue(error.code);
+    std::string message;
+    if (catalogue == nullptr) {
+        char text[32];
+        std::snprintf(text, sizeof text, "Error number 0x%hx.", error.code);
+        message = text;
+    } else {
+        const char* format = catalogue->entries[error.code & 0xFFF].format;
+        va_list copy;
+        va_copy(copy, args);
+        const int n = std::vsnprintf(nullptr, 0, format, copy);
+        va_end(copy);
+        if (n > 0) {
+            message.resize(static_cast<std::size_t>(n));
+            va_copy(copy, args);
+            std::vsnprintf(message.data(), message.size() + 1, format, copy);
+            va_end(copy);
+        }
+    }
+    throw MathException(error.code, resolvedSeverity(error, catalogue), message);
 }
 
 const char* mathErrorFormat(std::uint16_t code) {

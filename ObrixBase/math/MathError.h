@@ -7,6 +7,8 @@
 
 #include <cstdarg>
 #include <cstdint>
+#include <stdexcept>
+#include <string>
 
 #include "ObrixBase/ObrixExport.h"
 
@@ -127,8 +129,41 @@ OBRIX_API MathErrorHandler setMathErrorHandler(MathErrorHandler handler);
 /// rptError/rptVError, as three separate reports (the default sink ends the first two with
 /// a newline of its own); then "** Processing continues.\n" and returns, or "** Processing
 /// terminated.\n" and aborts, by severity. An unregistered catalogue reports "Error number
-/// 0x%hx." and aborts.
+/// 0x%hx." and aborts. Flushes stdout and stderr before it aborts, so that no report already
+/// written is lost with the process.
 OBRIX_API void defaultMathErrorHandler(const MathError& error, va_list args);
+
+/// The exception thrown by throwingMathErrorHandler: what() is the formatted catalogue message
+/// (for example "[INDEX: DoubleVec::operator[]]: Index (7) out of range [0->3]"), or "Error
+/// number 0x...." when the code's catalogue is not registered.
+class OBRIX_API MathException : public std::runtime_error {
+public:
+    /// An exception for `code` with the resolved `severity` (MATH_CONTINUE or MATH_TERMINATE).
+    MathException(std::uint16_t code, std::uint32_t severity, const std::string& message);
+    /// The raised code (catalogue in the high 4 bits, entry in the low 12).
+    std::uint16_t code() const noexcept { return code_; }
+    /// MATH_CONTINUE or MATH_TERMINATE: the raiser's request, or the entry's default when the
+    /// raiser asked for MATH_DEFAULT; an unregistered catalogue counts as MATH_TERMINATE.
+    std::uint32_t severity() const noexcept { return severity_; }
+
+private:
+    std::uint16_t code_;
+    std::uint32_t severity_;
+};
+
+/// A ready handler that turns every error (but code 0, which it ignores) into a MathException,
+/// whatever its severity, and reports nothing. Install it around C++ code that should recover
+/// from a numeric error instead of ending the process; the raising operation is abandoned, so
+/// its object is left as it was when the check failed. Never install it while C callers of the
+/// library are on the stack: exceptions must not cross the C interface.
+OBRIX_API void throwingMathErrorHandler(const MathError& error, va_list args);
+
+/// A ready handler that reports exactly as defaultMathErrorHandler does, but always ends with
+/// "** Processing continues.\n" and returns, whatever the severity. The raising operation then
+/// carries on as if its check had passed: right for logging and for errors that only warn,
+/// dangerous after an index or size error, whose operation goes on to touch memory it does not
+/// own. Prefer throwingMathErrorHandler where recovery is wanted.
+OBRIX_API void continuingMathErrorHandler(const MathError& error, va_list args);
 
 /// The message format of `code` in the registered catalogues, or null when its catalogue is
 /// not registered or the index is past the catalogue's end. Lets replacement handlers format.

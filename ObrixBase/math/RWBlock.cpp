@@ -128,6 +128,12 @@ void RWBlock::destroy(RWBlock* block) noexcept {
     pushRecord(block);
 }
 
+void RWBlock::countOverflowed() noexcept {
+    mathErrorRaise(MathError{MATH_GENERIC, MATH_TERMINATE, MATH_TAG_ALLOCATOR}, "RWBlock", 1,
+                   "too many views of one block");
+    references_ = kPinned;
+}
+
 void RWBlock::allocationFailed() {
     mathErrorRaise(MathError{MATH_NOMEM, MATH_TERMINATE, MATH_TAG_ALLOCATOR}, "RWBlock");
 }

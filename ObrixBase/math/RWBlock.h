@@ -11,7 +11,8 @@
 #include "ObrixBase/ObrixExport.h"
 
 /// A reference-counted element array. Create with `new RWBlock(n, size)`; never delete
-/// directly, drop references with release(). Not thread-safe; at most 65,535 references.
+/// directly, drop references with release(). Not thread-safe; at most 65,534 references
+/// count: see addReference() for what happens past them.
 class OBRIX_API RWBlock {
 public:
     /// A block of `count` elements of `elementSize` bytes, uninitialised, with one reference.
@@ -40,12 +41,24 @@ public:
     void* data() const noexcept { return data_; }
     /// The number of views holding this block.
     std::uint16_t references() const noexcept { return references_; }
-    /// Takes one more reference.
-    void addReference() noexcept { ++references_; }
-    /// Drops one reference of `block` and destroys it when none is left. Null is ignored.
+    /// Takes one more reference. The count is 16 bits: taking the 65,535th raises
+    /// `MATH_GENERIC` (0x3004) ("RWBlock", 1, "too many views of one block", forced
+    /// terminate) instead of wrapping to 0, which would free the array under live views. If the
+    /// handler returns, the block is pinned: its count stays at 65,535, later references and
+    /// releases leave it alone and the array is never freed (a leak, not a double free). Views
+    /// are taken in noexcept operations, so a throwing handler ends the process here.
+    void addReference() noexcept {
+        if (references_ >= kPinned - 1) {
+            countOverflowed();
+            return;
+        }
+        ++references_;
+    }
+    /// Drops one reference of `block` and destroys it when none is left. Null and pinned
+    /// blocks are ignored.
     static void release(RWBlock* block) noexcept {
         // Inline: every temporary vector ends here, and most releases only decrement.
-        if (block != nullptr && --block->references_ == 0)
+        if (block != nullptr && block->references_ != kPinned && --block->references_ == 0)
             destroy(block);
     }
 
@@ -54,6 +67,11 @@ private:
     static void destroy(RWBlock* block) noexcept;
     /// Raises NOMEM for an element array that could not be allocated.
     static void allocationFailed();
+    /// Raises the overflow error of addReference() and pins the block.
+    void countOverflowed() noexcept;
+
+    /// A count that no view can take or drop: the block lives until the process ends.
+    static constexpr std::uint16_t kPinned = 0xFFFF;
 
     std::uint16_t references_;
     void* data_;

@@ -48,7 +48,7 @@ void tourDiagnostics() {
     static Part parts[] = {
         {"bracket", 2.5}, {"hinge", 0.4}, {"panel", 7.0}, {"clip", 0.1}, {"rail", 1.8}};
     int status = 0;
-    DS_Structure* tree = DS_create_type(3, &status, __LINE__, __FILE__);
+    DS_Structure* tree = DS_create_type(DS_KIND_AVL, &status, __LINE__, __FILE__);
     DS_set_comparator(tree, &byWeight, &status);
     for (Part& p : parts)
         tree->methods->add(tree, &p, &status);

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Installs the build tree into a scratch prefix, then builds and runs a consumer against it,
-# once through find_package(ObrixBase) and once through pkg-config.
+# Installs the build tree into a scratch prefix, then builds and runs a consumer and the two
+# quick-start programs of docs/quickstart.md against it, once through find_package(ObrixBase)
+# and once through pkg-config. Nothing here names a language level: the package brings it.
 set -euo pipefail
 build=$1
 work=$2
@@ -10,19 +11,38 @@ flags=""
 [ "${OBRIX_SANITIZE:-OFF}" = "ON" ] && flags="-fsanitize=address,undefined"
 
 rm -rf "$work"
-mkdir -p "$work"
+mkdir -p "$work/quickstart"
+# The programs exactly as the document shows them: the first ```cpp and ```c blocks.
+for lang in cpp c; do
+    awk -v fence='```'"$lang" '$0 == fence {on = 1; next} on && $0 == "```" {exit} on' \
+        "$here/../../docs/quickstart.md" > "$work/quickstart/quickstart.$lang"
+    [ -s "$work/quickstart/quickstart.$lang" ] || { echo "no $lang block in quickstart.md" >&2; exit 1; }
+done
 "$cmake" --install "$build" --prefix "$work/prefix" >/dev/null
 libdir=$(ls -d "$work"/prefix/lib* | head -n 1)
 
 "$cmake" -S "$here" -B "$work/cmake-build" -G Ninja -DCMAKE_PREFIX_PATH="$work/prefix" \
-    -DCMAKE_CXX_COMPILER="${CXX:-c++}" -DCMAKE_CXX_FLAGS="$flags" >/dev/null
+    -DCMAKE_CXX_COMPILER="${CXX:-c++}" -DCMAKE_CXX_FLAGS="$flags" \
+    -DCMAKE_C_COMPILER="${CC:-cc}" -DCMAKE_C_FLAGS="$flags" \
+    -DQUICKSTART_DIR="$work/quickstart" >/dev/null
 "$cmake" --build "$work/cmake-build" >/dev/null
 # No LD_LIBRARY_PATH: CMake's run path for libObrixBase and libObrixBase's own for libBase
 # must be enough.
 "$work/cmake-build/consumer"
+"$work/cmake-build/quickstart_cpp" >/dev/null
+"$work/cmake-build/quickstart_c" >/dev/null
 
 export PKG_CONFIG_PATH="$libdir/pkgconfig"
 # shellcheck disable=SC2046
-"${CXX:-c++}" -std=c++20 $flags "$here/main.cpp" -o "$work/consumer-pc" $(pkg-config --cflags --libs obrixbase)
+"${CXX:-c++}" $flags "$here/main.cpp" -o "$work/consumer-pc" $(pkg-config --cflags --libs obrixbase)
+# shellcheck disable=SC2046
+"${CXX:-c++}" $flags -Wall -Wextra -Werror "$work/quickstart/quickstart.cpp" \
+    -o "$work/quickstart-pc" $(pkg-config --cflags --libs obrixbase)
+# The C package must carry nothing a C compiler refuses.
+# shellcheck disable=SC2046
+"${CC:-cc}" -std=c11 $flags -Wall -Wextra -Werror "$work/quickstart/quickstart.c" \
+    -o "$work/quickstart-c-pc" $(pkg-config --cflags --libs obrixbase-c)
 # pkg-config gives no run path: point the loader at the prefix, as its users do.
 LD_LIBRARY_PATH="$libdir" "$work/consumer-pc"
+LD_LIBRARY_PATH="$libdir" "$work/quickstart-pc"
+LD_LIBRARY_PATH="$libdir" "$work/quickstart-c-pc"

@@ -100,6 +100,21 @@ unsigned low32(const void* p) {
 
 using StorageOp = void* (*)(DS_Structure*, DS_Structure*, int*);
 
+// An empty record without methods, for the set operations that lend it a kind's table
+// themselves. The record comes from the C heap like every node of the kinds, so that
+// DS_destructor and callers free it alike.
+DS_Structure* newRecord() {
+    auto* s = static_cast<DS_Structure*>(std::malloc(sizeof(DS_Structure)));
+    if (!s)
+        return nullptr;
+    s->ordered = 1;
+    s->storage = nullptr;
+    s->comparator = &Ds_fifo_comparator;
+    s->filter = nullptr;
+    s->methods = nullptr;
+    return s;
+}
+
 // Makes the result record of difference, intersection and merge: `a`'s kind, comparator and
 // filter over the storage that `op` builds. The record is made first so that a memory
 // shortage is known before the kind does any work.
@@ -115,7 +130,7 @@ DS_Structure* combine(DS_Structure* a, DS_Structure* b, StorageOp (*slot)(DS_Jum
         VK_SET_STATUS(status, VK_INCOMPATIBILITY);
         return nullptr;
     }
-    DS_Structure* result = DS_create_type(0, status, __LINE__, __FILE__);
+    DS_Structure* result = newRecord();
     if (!result) {
         VK_SET_STATUS(status, VK_MEMORY_FAULT);
         return nullptr;
@@ -235,27 +250,31 @@ DS_Structure* Ds_get_object_table(void) {
     return objectTable;
 }
 
-// The record comes from the C heap like every node of the kinds, so that DS_destructor and
-// callers free it alike; the caller's source position is therefore not needed.
+// The caller's source position is not needed: the record is not accounted.
 DS_Structure* DS_create_type(int kind, int* status, int /*line*/, const char* /*file*/) {
     VK_SET_STATUS(status, VK_NO_ERROR);
     registerBuiltinKinds();
-    auto* s = static_cast<DS_Structure*>(std::malloc(sizeof(DS_Structure)));
-    if (!s)
-        return nullptr;
-    s->ordered = 1;
-    s->storage = nullptr;
-    s->comparator = &Ds_fifo_comparator;
-    s->filter = nullptr;
-    s->methods = nullptr;
     if (!objectTable) {
         VK_SET_STATUS(status, VK_ARGUMENT_ERROR);
-        return s;
+        return nullptr;
     }
     int local = 0;
-    s->methods = static_cast<DS_Jump_table_s*>(VK_get_id_registration(kind, objectTable, &local));
-    if (s->methods && s->methods->allocate)
-        s->storage = s->methods->allocate(s, status);
+    auto* methods =
+        static_cast<DS_Jump_table_s*>(VK_get_id_registration(kind, objectTable, &local));
+    // A record without methods would look like a structure to the caller and fail only at the
+    // first s->methods->add: refuse the kind here instead.
+    if (!methods) {
+        VK_SET_STATUS(status, VK_ITEM_NOT_FOUND);
+        return nullptr;
+    }
+    DS_Structure* s = newRecord();
+    if (!s) {
+        VK_SET_STATUS(status, VK_MEMORY_FAULT);
+        return nullptr;
+    }
+    s->methods = methods;
+    if (methods->allocate)
+        s->storage = methods->allocate(s, status);
     return s;
 }
 
@@ -350,7 +369,7 @@ DS_Structure* DS_duplicate(DS_Structure* s, DS_Copy_fn copy, void* user, int* st
         VK_SET_STATUS(status, VK_ARGUMENT_ERROR);
         return nullptr;
     }
-    DS_Structure* result = DS_create_type(0, status, __LINE__, __FILE__);
+    DS_Structure* result = newRecord();
     if (!result) {
         VK_SET_STATUS(status, VK_MEMORY_FAULT);
         return nullptr;

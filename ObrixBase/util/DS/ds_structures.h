@@ -5,7 +5,7 @@
    operations (create, destroy, difference, intersection, merge, duplicate, filtering,
    printing). Typical use:
 
-       DS_Structure *s = DS_create_type(2, &status, __LINE__, __FILE__);
+       DS_Structure *s = DS_create_type(DS_KIND_SLIST, &status, __LINE__, __FILE__);
        s->methods->add(s, item, &status);
        for (void *n = s->methods->head(s, &status); n; n = s->methods->next(s, n, &status))
            use(s->methods->get_data(n, &status));
@@ -118,6 +118,15 @@ typedef struct DS_Jump_table_s {
 
 /* ---- kinds and structures ---- */
 
+/** The identifiers of the four built-in structure kinds, for DS_create_type. A kind a caller
+    registers itself with Ds_register_structure takes any other non-negative number. */
+typedef enum DS_Kind {
+    DS_KIND_DLIST = 1, /**< doubly linked list */
+    DS_KIND_SLIST = 2, /**< singly linked list */
+    DS_KIND_AVL = 3,   /**< balanced (AVL) binary tree */
+    DS_KIND_ARRAY = 4, /**< growable array */
+} DS_Kind;
+
 /** Registers `table` as kind `kind`. Returns 1; 0 with status `VK_ARGUMENT_ERROR` (1) for a null
     table, `VK_INVALID_DATA` (5) when a slot other than intersect or allocate is empty, or
     `VK_INVALID_FUNCTION` (4) for a negative or already registered kind (the first
@@ -131,8 +140,9 @@ OBRIX_API long Ds_register_structure(int kind, DS_Jump_table_s* table, int* stat
 OBRIX_API DS_Structure* Ds_get_object_table(void);
 
 /** A new, empty structure of `kind` with comparator Ds_fifo_comparator, no filter and
-    `ordered` 1; null when memory runs out. An unregistered kind gives a record without methods
-    (status 0), on which the DS_* operations do nothing. `line` and `file` name the caller's
+    `ordered` 1. Null with status `VK_ITEM_NOT_FOUND` (12) for a kind that is not registered,
+    and null with `VK_MEMORY_FAULT` (3) when memory runs out: a non-null result always has its
+    kind's `methods`. `line` and `file` name the caller's
     source position and are not used: the record comes from the C heap (malloc), like every
     node of the four kinds (the heap rule in ma_memory_manager.h), and is not counted by
     MA_get_stats. Release with DS_destructor. */

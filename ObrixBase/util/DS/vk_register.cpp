@@ -47,7 +47,7 @@ long VK_register_item(int id, void* item, DS_Structure** table, int* status) {
         return 0;
     }
     if (!*table) {
-        *table = DS_create_type(2, status, __LINE__, __FILE__);
+        *table = DS_create_type(DS_KIND_SLIST, status, __LINE__, __FILE__);
         if (!*table)
             return 0;
     }

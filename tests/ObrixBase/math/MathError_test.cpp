@@ -1,5 +1,6 @@
 #include "ObrixBase/math/MathError.h"
 
+#include <cstdio>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -103,4 +104,60 @@ TEST(MathCatalogues, CountedRegistrationLinksOnceAndUnlinksOnLastRelease) {
     EXPECT_EQ(counter, 0u);
     EXPECT_EQ(mathErrorFormat(0x9000), nullptr);
     EXPECT_NE(mathErrorFormat(MATH_INDEX), nullptr) << "other catalogues stay linked";
+}
+
+TEST(MathErrorHandlerDeathTest, DefaultHandlerFlushesBufferedStreamsBeforeAborting) {
+    // A fully buffered stderr (as when it is a pipe on some systems) must not swallow the
+    // message that explains the abort.
+    EXPECT_DEATH(
+        {
+            std::setvbuf(stderr, nullptr, _IOFBF, 1 << 16);
+            mathErrorRaise(MathError{MATH_ZEROVEC, MATH_TERMINATE, 0}, "f", "g");
+        },
+        "\\[ZEROVEC: f\\]: g: vector is empty");
+}
+
+TEST(MathErrorHandler, ThrowingHandlerCarriesMessageCodeAndResolvedSeverity) {
+    ReportCapture reports;
+    MathErrorHandler previous = setMathErrorHandler(&throwingMathErrorHandler);
+    const struct {
+        MathError error;
+        std::uint16_t code;
+        std::uint32_t severity;
+        const char* message;
+    } cases[] = {
+        // A default request resolves to the entry's own severity.
+        {{MATH_INDEX, MATH_DEFAULT, 0}, MATH_INDEX, MATH_TERMINATE,
+         "[INDEX: IntVec]: Index (7) out of range [0->2]"},
+        {{MATH_INDEX, MATH_CONTINUE, 0}, MATH_INDEX, MATH_CONTINUE,
+         "[INDEX: IntVec]: Index (7) out of range [0->2]"},
+        {{0x7003, MATH_DEFAULT, 0}, 0x7003, MATH_TERMINATE, "Error number 0x7003."},
+    };
+    for (const auto& c : cases) {
+        try {
+            mathErrorRaise(c.error, "IntVec", 7, 2u);
+            ADD_FAILURE() << "no exception for " << c.message;
+        } catch (const MathException& e) {
+            EXPECT_EQ(e.code(), c.code);
+            EXPECT_EQ(e.severity(), c.severity);
+            EXPECT_STREQ(e.what(), c.message);
+        }
+    }
+    // Through a real check: the bad element access is abandoned, not performed.
+    DoubleVec v(3, 0.0);
+    EXPECT_THROW(v.boundsCheck(5), MathException);
+    EXPECT_NO_THROW(mathErrorRaise(MathError{0, MATH_TERMINATE, 0}));
+    setMathErrorHandler(previous);
+    EXPECT_TRUE(reports.reports().empty());
+}
+
+TEST(MathErrorHandler, ContinuingHandlerReportsLikeTheDefaultButNeverStops) {
+    ReportCapture reports;
+    MathErrorHandler previous = setMathErrorHandler(&continuingMathErrorHandler);
+    mathErrorRaise(MathError{MATH_INDEX, MATH_TERMINATE, 0}, "IntVec", 7, 2u);
+    mathErrorRaise(std::uint16_t{0x7003});
+    setMathErrorHandler(previous);
+    EXPECT_EQ(reports.joined(), "** [INDEX: IntVec]: Index (7) out of range [0->2].\n"
+                                "** Processing continues.\n"
+                                "Error number 0x7003.** Processing continues.\n");
 }

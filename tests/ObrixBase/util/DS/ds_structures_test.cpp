@@ -77,18 +77,21 @@ TEST(DsStructure, RegistrationNeedsEverySlotButIntersectAndAllocate) {
     DS_destructor(&s, nullptr, nullptr, &status);
 }
 
-TEST(DsStructure, UnknownKindGivesRecordWithoutMethodsThatDestroysCleanly) {
+TEST(DsStructure, UnknownKindGivesNullWithItsStatusAndDestroyToleratesNull) {
+    for (int kind : {0, 5, 77, -1}) {
+        int status = -1;
+        EXPECT_EQ(DS_create_type(kind, &status, __LINE__, __FILE__), nullptr) << kind;
+        EXPECT_EQ(status, VK_ITEM_NOT_FOUND) << kind;
+    }
+    EXPECT_EQ(DS_create_type(77, nullptr, __LINE__, __FILE__), nullptr);
     int status = -1;
-    DS_Structure* s = DS_create_type(77, &status, __LINE__, __FILE__);
-    ASSERT_NE(s, nullptr);
-    EXPECT_EQ(status, 0);
-    EXPECT_EQ(s->methods, nullptr);
-    EXPECT_EQ(s->comparator, &Ds_fifo_comparator);
-    EXPECT_EQ(s->ordered, 1);
-    EXPECT_EQ(DS_empty_list(s, nullptr, nullptr, &status), 1);
-    EXPECT_EQ(DS_remove_nulls(s, &status), 1);
-    EXPECT_EQ(DS_destructor(&s, nullptr, nullptr, &status), 1);
-    EXPECT_EQ(s, nullptr);
+    for (int kind : {DS_KIND_DLIST, DS_KIND_SLIST, DS_KIND_AVL, DS_KIND_ARRAY}) {
+        DS_Structure* s = DS_create_type(kind, &status, __LINE__, __FILE__);
+        ASSERT_NE(s, nullptr);
+        EXPECT_EQ(s->methods->get_type(), kind);
+        EXPECT_EQ(DS_destructor(&s, nullptr, nullptr, &status), 1);
+        EXPECT_EQ(s, nullptr);
+    }
     EXPECT_EQ(DS_destructor(nullptr, nullptr, nullptr, &status), 0);
     EXPECT_EQ(status, VK_ARGUMENT_ERROR);
 }
