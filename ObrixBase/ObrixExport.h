@@ -13,7 +13,8 @@
 #define OBRIX_CPLUSPLUS_LEVEL __cplusplus
 #endif
 #if OBRIX_CPLUSPLUS_LEVEL < 202002L
-#error "ObrixBase needs C++20 or later: compile with -std=c++20 (CMake: cxx_std_20, pkg-config: obrixbase)"
+#error                                                                                             \
+    "ObrixBase needs C++20 or later: compile with -std=c++20 (CMake: cxx_std_20, pkg-config: obrixbase)"
 #endif
 #undef OBRIX_CPLUSPLUS_LEVEL
 #endif

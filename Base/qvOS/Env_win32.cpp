@@ -58,8 +58,7 @@ bool userHomeDirectory(const char* user, qvString::CString& home) {
     if (!GetEnv("USERPROFILE", profile) || profile.empty())
         return false;
     qvString::CString self;
-    if (!user || !user[0] ||
-        (GetEnv("USERNAME", self) && _stricmp(self.c_str(), user) == 0)) {
+    if (!user || !user[0] || (GetEnv("USERNAME", self) && _stricmp(self.c_str(), user) == 0)) {
         home = profile;
         return true;
     }

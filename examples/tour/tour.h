@@ -13,9 +13,9 @@ void tourTrace();          // the trace ring, read back as after a crash
 void tourFileCache();      // two processes sharing a cached file
 /// The second process of the file cache chapter: finds `key` in the cache at `directory`.
 int tourFileCacheReader(const char* directory, const char* key);
-void tourWarnings();       // a warning answered by a script
-void tourFiles();          // project directories, an image sequence on disk
-void tourDebugDraw();      // a surface, a curve and labelled points drawn for a browser
+void tourWarnings();  // a warning answered by a script
+void tourFiles();     // project directories, an image sequence on disk
+void tourDebugDraw(); // a surface, a curve and labelled points drawn for a browser
 
 /// Prints a chapter heading.
 void tourHeading(const char* title);

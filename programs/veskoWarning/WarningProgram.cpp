@@ -35,20 +35,20 @@ void writeAnswer(std::FILE* out, int answer) {
 
 } // namespace
 
-bool scriptedAnswer(const VeskoWarningParams& params, const CString& spec, int& answer,
+bool scriptedAnswer(const VeskoWarningParams& params, const CString& answerText, int& answer,
                     CString& error) {
     for (std::size_t i = 0; i < params.buttons.size(); ++i) {
-        if (params.buttons[i] == spec) {
+        if (params.buttons[i] == answerText) {
             answer = static_cast<int>(i);
             return true;
         }
     }
     long index = 0;
-    if (parseIndex(spec, -1, static_cast<long>(params.buttons.size()) - 1, index)) {
+    if (parseIndex(answerText, -1, static_cast<long>(params.buttons.size()) - 1, index)) {
         answer = static_cast<int>(index);
         return true;
     }
-    error = CString(kAnswerVariable) + "=\"" + spec + "\" names no button of this warning";
+    error = CString(kAnswerVariable) + "=\"" + answerText + "\" names no button of this warning";
     return false;
 }
 
@@ -96,10 +96,10 @@ int run(const VeskoWarningParams& original, Frontend frontend, DialogFn dialog,
 
     // Automation first: a scripted answer never waits for anyone, but still leaves the
     // warning in the log so that a test run shows what was asked.
-    CString spec;
-    if (qvOS::GetEnv(kAnswerVariable, spec)) {
+    CString answerText;
+    if (qvOS::GetEnv(kAnswerVariable, answerText)) {
         CString error;
-        if (!scriptedAnswer(params, spec, answer, error)) {
+        if (!scriptedAnswer(params, answerText, answer, error)) {
             std::fprintf(log, "veskoWarning: %s\n", error.c_str());
             return 2;
         }

@@ -27,10 +27,10 @@ constexpr const char* kAnswerVariable = "VESKO_WARNING_ANSWER";
 /// `params` with the "OK" button added when it has none, as every front end shows it.
 qvObrixBase::VeskoWarningParams withButtons(qvObrixBase::VeskoWarningParams params);
 
-/// Resolves a scripted answer `spec` against `params`' buttons: a label first (the first of
+/// Resolves a scripted answer `answerText` against `params`' buttons: a label first (the first of
 /// equal labels), then an index. False with a reason when it names no button.
-bool scriptedAnswer(const qvObrixBase::VeskoWarningParams& params, const qvString::CString& spec,
-                    int& answer, qvString::CString& error);
+bool scriptedAnswer(const qvObrixBase::VeskoWarningParams& params,
+                    const qvString::CString& answerText, int& answer, qvString::CString& error);
 
 /// The warning as text for a terminal or a log: the title, the lines, the details indented,
 /// then the buttons numbered from 1 ("  1) Overwrite").

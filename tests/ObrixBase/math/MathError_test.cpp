@@ -127,9 +127,13 @@ TEST(MathErrorHandler, ThrowingHandlerCarriesMessageCodeAndResolvedSeverity) {
         const char* message;
     } cases[] = {
         // A default request resolves to the entry's own severity.
-        {{MATH_INDEX, MATH_DEFAULT, 0}, MATH_INDEX, MATH_TERMINATE,
+        {{MATH_INDEX, MATH_DEFAULT, 0},
+         MATH_INDEX,
+         MATH_TERMINATE,
          "[INDEX: IntVec]: Index (7) out of range [0->2]"},
-        {{MATH_INDEX, MATH_CONTINUE, 0}, MATH_INDEX, MATH_CONTINUE,
+        {{MATH_INDEX, MATH_CONTINUE, 0},
+         MATH_INDEX,
+         MATH_CONTINUE,
          "[INDEX: IntVec]: Index (7) out of range [0->2]"},
         {{0x7003, MATH_DEFAULT, 0}, 0x7003, MATH_TERMINATE, "Error number 0x7003."},
     };

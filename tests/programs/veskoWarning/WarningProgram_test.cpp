@@ -27,18 +27,18 @@ TEST(VeskoWarningProgram, ScriptedAnswersNameALabelFirstThenAnIndex) {
     VeskoWarningParams p = warning({"Keep", "2", "Keep", "Replace"});
     const std::pair<const char*, int> good[] = {{"Keep", 0}, {"Replace", 3}, {"2", 1},
                                                 {"3", 3},    {"0", 0},       {"-1", -1}};
-    for (const auto& [spec, expected] : good) {
+    for (const auto& [answerText, expected] : good) {
         int answer = -9;
         CString error;
-        EXPECT_TRUE(veskoWarning::scriptedAnswer(p, spec, answer, error)) << spec;
-        EXPECT_EQ(answer, expected) << spec;
+        EXPECT_TRUE(veskoWarning::scriptedAnswer(p, answerText, answer, error)) << answerText;
+        EXPECT_EQ(answer, expected) << answerText;
     }
-    for (const char* spec : {"4", "-2", "keep", "", " 1", "+1", "1x"}) {
+    for (const char* answerText : {"4", "-2", "keep", "", " 1", "+1", "1x"}) {
         int answer = -9;
         CString error;
-        EXPECT_FALSE(veskoWarning::scriptedAnswer(p, spec, answer, error)) << spec;
-        EXPECT_EQ(error,
-                  CString("VESKO_WARNING_ANSWER=\"") + spec + "\" names no button of this warning");
+        EXPECT_FALSE(veskoWarning::scriptedAnswer(p, answerText, answer, error)) << answerText;
+        EXPECT_EQ(error, CString("VESKO_WARNING_ANSWER=\"") + answerText +
+                             "\" names no button of this warning");
     }
 }
 
