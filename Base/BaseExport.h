@@ -12,8 +12,7 @@
 #define BASE_CPLUSPLUS_LEVEL __cplusplus
 #endif
 #if BASE_CPLUSPLUS_LEVEL < 202002L
-#error                                                                                             \
-    "libBase needs C++20 or later: compile with -std=c++20 (CMake: cxx_std_20, pkg-config: obrixbase)"
+#error "libBase needs C++20: use -std=c++20 (CMake's cxx_std_20 and pkg-config give it)"
 #endif
 #undef BASE_CPLUSPLUS_LEVEL
 #endif

@@ -13,8 +13,7 @@
 #define OBRIX_CPLUSPLUS_LEVEL __cplusplus
 #endif
 #if OBRIX_CPLUSPLUS_LEVEL < 202002L
-#error                                                                                             \
-    "ObrixBase needs C++20 or later: compile with -std=c++20 (CMake: cxx_std_20, pkg-config: obrixbase)"
+#error "ObrixBase needs C++20: use -std=c++20 (CMake's cxx_std_20 and pkg-config give it)"
 #endif
 #undef OBRIX_CPLUSPLUS_LEVEL
 #endif
