@@ -78,6 +78,15 @@ static qvUtil::Error checkSource(const char* what, const CString& from, fs::file
     return {};
 }
 
+// Both paths of a copy or move must be usable and the source must exist; `st` gets its status.
+static qvUtil::Error checkPair(const char* what, const CString& from, const CString& to,
+                               fs::file_status& st) {
+    for (const CString* p : {&from, &to})
+        if (auto e = detail::checkPath(what, *p); e.isError())
+            return e;
+    return checkSource(what, from, st);
+}
+
 // overwrite false: an existing target is refused before any byte is written.
 static qvUtil::Error checkTarget(const char* what, const CString& to, bool overwrite,
                                  bool mayBeDirectory) {
@@ -96,11 +105,8 @@ static qvUtil::Error checkTarget(const char* what, const CString& to, bool overw
 
 qvUtil::Error fileCopy(const CString& from, const CString& to, bool overwrite) {
     const char* what = "Cannot copy";
-    for (const CString* p : {&from, &to})
-        if (auto e = detail::checkPath(what, *p); e.isError())
-            return e;
     fs::file_status st;
-    if (auto e = checkSource(what, from, st); e.isError())
+    if (auto e = checkPair(what, from, to, st); e.isError())
         return e;
     if (st.type() != fs::file_type::regular)
         return detail::fromErrorCode(what, from, std::make_error_code(std::errc::is_a_directory));
@@ -148,11 +154,8 @@ qvUtil::Error fileDelete(const CString& path) {
 
 qvUtil::Error fileMove(const CString& from, const CString& to, bool overwrite) {
     const char* what = "Cannot move";
-    for (const CString* p : {&from, &to})
-        if (auto e = detail::checkPath(what, *p); e.isError())
-            return e;
     fs::file_status st;
-    if (auto e = checkSource(what, from, st); e.isError())
+    if (auto e = checkPair(what, from, to, st); e.isError())
         return e;
     if (auto e = checkTarget(what, to, overwrite, st.type() == fs::file_type::directory);
         e.isError())

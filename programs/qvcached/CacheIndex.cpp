@@ -136,22 +136,22 @@ qvUtil::Error CacheIndex::saveCounters(const IndexCounters& counters) {
 }
 
 // The batch operations run in one transaction each; any failure rolls the whole batch back.
-qvUtil::Error CacheIndex::erase(const std::vector<std::string>& keys,
+qvUtil::Error CacheIndex::batch(const char* sql, const char* what, std::size_t count,
+                                const std::function<void(sqlite3_stmt*, std::size_t)>& bind,
                                 const IndexCounters& counters) {
     if (auto err = exec("BEGIN IMMEDIATE"); err.isError())
         return err;
     sqlite3_stmt* raw = nullptr;
     qvUtil::Error err;
-    if (sqlite3_prepare_v2(db_, "DELETE FROM entries WHERE key = ?", -1, &raw, nullptr) !=
-        SQLITE_OK) {
-        err = fail("erase");
+    if (sqlite3_prepare_v2(db_, sql, -1, &raw, nullptr) != SQLITE_OK) {
+        err = fail(what);
     } else {
-        Statement erase(raw);
-        for (const std::string& key : keys) {
+        Statement statement(raw);
+        for (std::size_t i = 0; i < count; ++i) {
             sqlite3_reset(raw);
-            bindText(raw, 1, key);
+            bind(raw, i);
             if (sqlite3_step(raw) != SQLITE_DONE) {
-                err = fail("erase");
+                err = fail(what);
                 break;
             }
         }
@@ -165,35 +165,23 @@ qvUtil::Error CacheIndex::erase(const std::vector<std::string>& keys,
     return err;
 }
 
+qvUtil::Error CacheIndex::erase(const std::vector<std::string>& keys,
+                                const IndexCounters& counters) {
+    return batch(
+        "DELETE FROM entries WHERE key = ?", "erase", keys.size(),
+        [&](sqlite3_stmt* raw, std::size_t i) { bindText(raw, 1, keys[i]); }, counters);
+}
+
 qvUtil::Error CacheIndex::saveAccess(const std::vector<IndexEntry>& used,
                                      const IndexCounters& counters) {
-    if (auto err = exec("BEGIN IMMEDIATE"); err.isError())
-        return err;
-    sqlite3_stmt* raw = nullptr;
-    qvUtil::Error err;
-    if (sqlite3_prepare_v2(db_, "UPDATE entries SET atime = ?, used = ? WHERE key = ?", -1, &raw,
-                           nullptr) != SQLITE_OK) {
-        err = fail("access times");
-    } else {
-        Statement update(raw);
-        for (const IndexEntry& entry : used) {
-            sqlite3_reset(raw);
-            sqlite3_bind_int64(raw, 1, entry.accessTime);
-            sqlite3_bind_int64(raw, 2, entry.useOrder);
-            bindText(raw, 3, entry.key);
-            if (sqlite3_step(raw) != SQLITE_DONE) {
-                err = fail("access times");
-                break;
-            }
-        }
-    }
-    if (err.isOk())
-        err = saveCounters(counters);
-    if (err.isOk())
-        err = exec("COMMIT");
-    if (err.isError())
-        exec("ROLLBACK");
-    return err;
+    return batch(
+        "UPDATE entries SET atime = ?, used = ? WHERE key = ?", "access times", used.size(),
+        [&](sqlite3_stmt* raw, std::size_t i) {
+            sqlite3_bind_int64(raw, 1, used[i].accessTime);
+            sqlite3_bind_int64(raw, 2, used[i].useOrder);
+            bindText(raw, 3, used[i].key);
+        },
+        counters);
 }
 
 qvUtil::Error CacheIndex::clear() {

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -14,6 +15,7 @@
 #include "Base/qvUtil/Error.h"
 
 struct sqlite3;
+struct sqlite3_stmt;
 
 namespace qvcached {
 
@@ -63,6 +65,11 @@ private:
     qvUtil::Error fail(const char* what) const;
     qvUtil::Error exec(const char* sql);
     qvUtil::Error saveCounters(const IndexCounters& counters);
+    /// Runs `sql` once per item (`bind` binds item i's values) and saves the counters, all in
+    /// one transaction that any failure rolls back; `what` names the step in error messages.
+    qvUtil::Error batch(const char* sql, const char* what, std::size_t count,
+                        const std::function<void(sqlite3_stmt*, std::size_t)>& bind,
+                        const IndexCounters& counters);
 
     sqlite3* db_ = nullptr;
     std::string path_;
