@@ -2,7 +2,7 @@
 # Builds the dev preset (Debug, sanitizers, warnings as errors) and runs every test.
 set -euo pipefail
 cd "$(dirname "$0")"
-scripts/deps.sh build test desktop
+scripts/deps.sh build test docs desktop
 # Chromium, three.js and node for the debug-drawing viewer's checks; they skip when missing.
 scripts/deps.sh browser || echo "test.sh: browser packages unavailable; their checks will skip" >&2
 cmake --preset dev >/dev/null

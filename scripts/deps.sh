@@ -1,12 +1,16 @@
 #!/usr/bin/env bash
 # Installs the Debian 12 packages that a task needs, and nothing when they are all there.
-# Usage: scripts/deps.sh build|test|desktop|bench|fuzz|windows|browser|npm ...
+# Usage: scripts/deps.sh build|test|docs|desktop|bench|fuzz|windows|browser|npm ...
 set -euo pipefail
 
 packages_for() {
   case "$1" in
     build) echo "g++ cmake ninja-build pkg-config libboost-dev libsqlite3-dev" ;;
-    test)  echo "libgtest-dev libgmock-dev liblapack-dev python3" ;;
+    # GDB runs the pretty-printers' test; dpkg-dev brings dpkg-shlibdeps, which the Debian
+    # packages' test needs for their dependencies.
+    test)  echo "libgtest-dev libgmock-dev liblapack-dev python3 gdb dpkg-dev" ;;
+    # The API reference (target docs, test api_reference).
+    docs)  echo "doxygen" ;;
     # The warning box's GTK dialog, and the X server, input and screenshot tools of its test.
     desktop) echo "libgtk-3-dev xvfb xdotool imagemagick" ;;
     bench) echo "libbenchmark-dev libeigen3-dev liblapack-dev libopenblas-dev" ;;

@@ -17,11 +17,11 @@ public:
     /// ends in it). The candidates, in this order:
     ///   1. the directory named by the environment variable OBRIX_HELPER_DIR, when set and not
     ///      empty (the override: point it at a folder of helpers to use those);
-    ///   2. the directory of the running executable (build/<preset>/bin in a build tree, where
-    ///      every program and test of the build lands; <prefix>/bin when installed);
+    ///   2. the directory of the running executable (`build/<preset>/bin` in a build tree, where
+    ///      every program and test of the build lands; `<prefix>/bin` when installed);
     ///   3. the directory holding libBase itself (an application elsewhere that loads an
     ///      installed or built libBase);
-    ///   4. libBase's install-relative program directory (<prefix>/bin beside <prefix>/lib).
+    ///   4. libBase's install-relative program directory (`<prefix>/bin` beside `<prefix>/lib`).
     /// Returns the first candidate that exists as a file. When none does, returns candidate 2
     /// (or the bare name when even that is unknown), so that starting it fails with a clear
     /// "no such program" error naming a sensible path. A null or empty name gives "".

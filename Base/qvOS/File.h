@@ -18,7 +18,9 @@ enum class FileType { Missing, Regular, Directory, Other };
 
 /// The answer of File::query.
 struct FileInfo {
+    /// False when nothing is at the path (the other fields are then 0).
     bool exists = false;
+    /// What the path names; Missing when `exists` is false.
     FileType type = FileType::Missing;
     std::uint32_t modeBits =
         0;                  ///< st_mode & 0xF000 form on both systems: 0x4000 dir, 0x8000 regular

@@ -20,7 +20,9 @@ public:
     MemoryMappedFile() = default;
     /// Unmaps (without flushing explicitly; the system still writes dirty pages of a file).
     ~MemoryMappedFile();
+    /// Takes over `other`'s mapping; `other` is left unmapped.
     MemoryMappedFile(MemoryMappedFile&& other) noexcept;
+    /// Unmaps this mapping first, then takes over `other`'s.
     MemoryMappedFile& operator=(MemoryMappedFile&& other) noexcept;
     MemoryMappedFile(const MemoryMappedFile&) = delete;
     MemoryMappedFile& operator=(const MemoryMappedFile&) = delete;
@@ -39,9 +41,13 @@ public:
     /// Releases the mapping (and the file); afterwards data() is null and size() 0.
     void unmap() noexcept;
 
+    ///@{
+    /// The first mapped byte (null when nothing is mapped), the mapped length in bytes and whether
+    /// a mapping is held.
     void* data() const noexcept { return data_; }
     std::uint64_t size() const noexcept { return size_; }
     bool isMapped() const noexcept { return data_ != nullptr; }
+    ///@}
     /// The mapped file's path, "" for anonymous memory or no mapping.
     const qvString::CString& path() const noexcept { return path_; }
 

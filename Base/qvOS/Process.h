@@ -22,6 +22,7 @@ using ProcessId = std::int64_t;
 struct ProcessOptions {
     qvString::CString workingDir; ///< empty: inherit this process's
     bool feedStdin = false;       ///< true: stdinText is written to the child's stdin, then closed
+    /// What the child reads when feedStdin is set.
     qvString::CString stdinText;
     bool captureStdout = false; ///< collect the child's stdout into ProcessResult::stdoutText
     double timeoutSeconds = 0;  ///< 0 = no limit; past it the child is killed and TimedOut returned

@@ -21,6 +21,7 @@ struct MemoryStatus {
                                          ///< architecture's user space when unlimited)
     std::uint64_t virtualAvailable = 0;  ///< virtualTotal less what this process has reserved
     std::uint64_t swapTotal = 0;         ///< swap (POSIX) / page file beyond RAM (Windows)
+    /// The part of swapTotal not in use.
     std::uint64_t swapFree = 0;
 };
 

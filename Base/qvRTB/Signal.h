@@ -34,6 +34,7 @@ using Connection = boost::signals2::connection;
 class BASE_API SignalClient {
 public:
     SignalClient();
+    /// A new client without connections: copying one never duplicates its connections.
     SignalClient(const SignalClient&);
     /// Keeps this client's own connections; nothing is taken over from `other`.
     SignalClient& operator=(const SignalClient& other);

@@ -18,7 +18,9 @@ class BASE_API CString : public std::string {
 public:
     using std::string::string;
     CString() = default;
+    /// Copies a standard string; with the move below, std::string results convert without a cast.
     CString(const std::string& s) : std::string(s) {}
+    /// Takes over a standard string's buffer.
     CString(std::string&& s) noexcept : std::string(std::move(s)) {}
     /// A null pointer gives the empty string (std::string would be undefined).
     CString(const char* s) : std::string(s ? s : "") {}
@@ -43,7 +45,9 @@ class BASE_API IString : public std::wstring {
 public:
     using std::wstring::wstring;
     IString() = default;
+    /// Copies a standard wide string.
     IString(const std::wstring& s) : std::wstring(s) {}
+    /// Takes over a standard wide string's buffer.
     IString(std::wstring&& s) noexcept : std::wstring(std::move(s)) {}
     /// A null pointer gives the empty string.
     IString(const wchar_t* s) : std::wstring(s ? s : L"") {}

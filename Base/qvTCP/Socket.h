@@ -50,7 +50,9 @@ public:
     /// "127.0.0.1" and port.
     static Address loopback(int port);
 
+    /// The host as given (a name or a dotted address), not resolved.
     const qvString::CString& host() const noexcept { return host_; }
+    /// The port as given; checked only by ClientSocket::connect.
     int port() const noexcept { return port_; }
 
 private:
@@ -102,15 +104,18 @@ public:
     /// In throwing mode a failed read or write throws its qvUtil::Error instead of returning it.
     /// Off by default. Nothing else in qvTCP throws.
     void setThrowMode(bool on) noexcept { throwMode_ = on; }
+    /// Whether failed reads and writes throw (setThrowMode).
     bool throwMode() const noexcept { return throwMode_; }
 
     /// Bounds how long each later read waits for data to arrive (seconds; 0, the default, waits
     /// without limit). A read that runs out fails with ErrorTimeout.
     void setReceiveTimeout(double seconds) noexcept { receiveTimeout_ = seconds > 0 ? seconds : 0; }
+    /// The receive timeout in seconds; 0 waits without limit.
     double receiveTimeout() const noexcept { return receiveTimeout_; }
 
     /// Closes the connection; the peer then sees the end of the stream. Closing twice is harmless.
     void close() noexcept;
+    /// True from a successful connect (or accept) until close().
     bool isOpen() const noexcept;
 
     /// The system's handle of the connection, -1 when closed. The socket still owns it.
@@ -154,6 +159,7 @@ public:
     /// names host and port.
     qvUtil::Error connect(double timeoutSeconds = 5.0);
 
+    /// The address given at construction.
     const Address& address() const noexcept { return address_; }
 
 private:
@@ -195,6 +201,7 @@ public:
 
     /// Stops listening; later connection attempts are refused. Closing twice is harmless.
     void close() noexcept;
+    /// True between a successful listen and close().
     bool isListening() const noexcept;
 
     /// The system's handle of the listening socket, -1 when not listening. The server keeps it.

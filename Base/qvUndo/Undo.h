@@ -102,6 +102,7 @@ public:
     /// The group's mark: given at opening, set by code that records a new object's first
     /// state. The manager keeps it for the application and does not act on it.
     void setMarked(bool marked) noexcept { marked_ = marked; }
+    /// The mark set at opening or by setMarked.
     bool isMarked() const noexcept { return marked_; }
 
     /// The sum of the commands' getNumBytesUsed, as each was when it was recorded.
@@ -166,6 +167,7 @@ public:
     /// creationDisabled with the same value. Calls nest: creation stays disabled until every
     /// disable has been matched.
     void disableCreation(bool disable);
+    /// True while more disables than re-enables have been made.
     bool isCreationDisabled() const noexcept { return disabled_ > 0; }
 
     /// Limits the history to `groups` groups (0: no limit) and trims at once when needed.

@@ -8,6 +8,8 @@
 
 namespace qvUtil {
 
+/// A result: code 0 is success, any other code an error with a message for the user.
+/// Cheap to copy; compare with `isOk()` / `isError()` rather than with codes.
 class BASE_API Error {
 public:
     /// Success: code 0, empty message.
@@ -15,11 +17,15 @@ public:
     /// An error with a printf-style message.
     Error(int code, const char* format, ...) BASE_PRINTF(3, 4);
 
+    ///@{
+    /// The code (0: success), the message ("" on success) and the two readings of the code.
     int code() const noexcept { return code_; }
     const qvString::CString& message() const noexcept { return message_; }
     bool isOk() const noexcept { return code_ == 0; }
     bool isError() const noexcept { return code_ != 0; }
+    ///@}
 
+    /// Same code and same message.
     friend bool operator==(const Error& a, const Error& b) {
         return a.code_ == b.code_ && a.message_ == b.message_;
     }

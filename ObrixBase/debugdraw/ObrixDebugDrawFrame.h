@@ -25,20 +25,27 @@ using DoubleGenMat = NumGenMat<double>;
 
 /// A colour with red, green, blue and opacity in [0, 1] (linear, as the writers store them).
 struct ObrixDebugDrawColour {
+    /// Red.
     float r = 1.0f;
+    /// Green.
     float g = 1.0f;
+    /// Blue.
     float b = 1.0f;
+    /// Opacity (1: opaque).
     float a = 1.0f;
 };
 
 /// A few colours that read well on the viewer's dark background.
 namespace ObrixDebugDrawColours {
+///@{
+/// The named colours, opaque.
 inline constexpr ObrixDebugDrawColour red{0.9f, 0.15f, 0.1f, 1.0f};
 inline constexpr ObrixDebugDrawColour green{0.1f, 0.8f, 0.2f, 1.0f};
 inline constexpr ObrixDebugDrawColour blue{0.15f, 0.35f, 0.95f, 1.0f};
 inline constexpr ObrixDebugDrawColour yellow{0.95f, 0.85f, 0.1f, 1.0f};
 inline constexpr ObrixDebugDrawColour white{1.0f, 1.0f, 1.0f, 1.0f};
 inline constexpr ObrixDebugDrawColour grey{0.6f, 0.6f, 0.6f, 1.0f};
+///@}
 } // namespace ObrixDebugDrawColours
 
 /// The library's own small triangle mesh: positions, triangles as three 0-based indices into
@@ -47,7 +54,9 @@ inline constexpr ObrixDebugDrawColour grey{0.6f, 0.6f, 0.6f, 1.0f};
 /// and faces; split polygons into fans), or passes its arrays straight to
 /// ObrixDebugDrawPen::mesh's array form.
 struct ObrixDebugDrawMesh {
+    /// Vertices, in the caller's coordinates.
     std::vector<T3dDblPoint> positions;
+    /// Vertex indices per triangle, counter-clockwise seen from the front.
     std::vector<std::array<std::uint32_t, 3>> triangles;
     /// Empty, or exactly one per position; they need not be unit length but must not be zero.
     std::vector<T4dDblVector> normals;
@@ -55,7 +64,9 @@ struct ObrixDebugDrawMesh {
 
 /// Where a drawing call stands in the caller's source; OBRIX_DEBUG_DRAW fills it.
 struct ObrixDebugDrawSource {
+    /// The caller's __FILE__ ("" when unknown); not copied: a string literal.
     const char* file = "";
+    /// The caller's __LINE__.
     int line = 0;
 };
 
@@ -72,16 +83,26 @@ public:
     /// One recorded item. xyz holds 3 doubles per vertex; triangles 3 indices per triangle
     /// (meshes only); normals 3 floats per vertex, unit length, or nothing.
     struct Item {
+        /// What the item is; decides which vectors are used.
         Kind kind = Kind::Points;
+        /// The layer's index in layers(), in order of first use.
         unsigned layer = 0;
+        /// The item's name ("" when none), shown by the viewer.
         std::string name;
         std::string text; ///< the label's text (labels only)
+        /// The drawing call's source file.
         std::string file;
+        /// The drawing call's source line.
         int line = 0;
+        /// The item's colour.
         ObrixDebugDrawColour colour;
+        /// 3 doubles per vertex, after the pen's transform.
         std::vector<double> xyz;
+        /// 3 vertex indices per triangle (meshes only).
         std::vector<std::uint32_t> triangles;
+        /// 3 floats per vertex, unit length, or empty.
         std::vector<float> normals;
+        /// xyz.size() / 3.
         std::size_t vertexCount() const noexcept { return xyz.size() / 3; }
     };
 
@@ -90,6 +111,7 @@ public:
 
     /// The frame's name ("" when none).
     const std::string& name() const noexcept { return name_; }
+    /// Names the frame; null clears the name.
     void setName(const char* name) { name_ = name ? name : ""; }
 
     /// The origin that written coordinates are relative to: the one set with setOrigin, else
@@ -131,6 +153,8 @@ private:
 /// transpose of M's 3x3 block.
 class OBRIX_API ObrixDebugDrawPen {
 public:
+    /// A pen drawing into `frame` for the call at `file` (null: "") and `line`; keeps `frame`
+    /// by reference, so the frame must outlive the statement.
     ObrixDebugDrawPen(ObrixDebugDrawFrame& frame, const char* file, int line) noexcept
         : frame_(&frame), source_{file ? file : "", line} {}
 

@@ -82,6 +82,7 @@ public:
     };
     /// What to write.
     struct Options {
+        /// GlTF with the buffer embedded, by default.
         Format format = Format::Gltf;
         /// Also write the viewer page and its per-frame scripts.
         bool viewer = true;
@@ -89,6 +90,7 @@ public:
 
     /// Writes into dir, made with its parents on the first frame.
     explicit ObrixDebugDrawFileWriter(const qvString::CString& dir);
+    /// Writes into dir with the given options.
     ObrixDebugDrawFileWriter(const qvString::CString& dir, Options options);
     ~ObrixDebugDrawFileWriter() override;
 
@@ -114,6 +116,7 @@ private:
 
 /// Swallows the result of a drawing call, so that OBRIX_DEBUG_DRAW is one expression.
 struct ObrixDebugDrawDiscard {
+    /// Accepts and drops any drawing call's result (the statement has nothing to check).
     template <class T>
     constexpr void operator&(const T&) const noexcept {}
 };

@@ -37,9 +37,15 @@ class OBRIX_API FileCache {
 public:
     /// An unconnected cache: call initialize before anything else.
     FileCache();
+    /// A handle sharing `other`'s connection and items without owning them: it must not outlive
+    /// `other`.
     FileCache(const FileCache& other);
+    /// Takes over `other`'s connection and ownership; `other` is left unconnected.
     FileCache(FileCache&& other) noexcept;
+    /// Drops this handle's connection (when owned), then shares `other`'s as the copy constructor
+    /// does.
     FileCache& operator=(const FileCache& other);
+    /// Drops this handle's connection (when owned), then takes over `other`'s.
     FileCache& operator=(FileCache&& other) noexcept;
     /// When owning: closes the connection (the server then releases everything this process
     /// held) and cuts the items that outlive the cache, whose deaths then send nothing.

@@ -17,7 +17,10 @@ namespace qvObrixBase {
 class OBRIX_API FileCacheItem : public qv::ReferenceCount {
 public:
     FileCacheItem() = default;
+    /// The copy starts with a reference count of its own (0); what a concrete item copies is
+    /// its subclass's.
     FileCacheItem(const FileCacheItem&) = default;
+    /// Keeps this item's reference count; the subclass assigns its own fields.
     FileCacheItem& operator=(const FileCacheItem&) = default;
     ~FileCacheItem() override;
 

@@ -46,10 +46,13 @@ public:
     static constexpr char LockFileName[] = "lockfile.lck";
 
     FileCacheProtocol() = default;
+    ///@{
+    /// Copies use the same socket as the original (never owned by either).
     FileCacheProtocol(const FileCacheProtocol&) = default;
     FileCacheProtocol(FileCacheProtocol&&) = default;
     FileCacheProtocol& operator=(const FileCacheProtocol&) = default;
     FileCacheProtocol& operator=(FileCacheProtocol&&) = default;
+    ///@}
     virtual ~FileCacheProtocol();
 
     /// Prepares the cache in `directory`; the int and the int64 are the server's settings and
@@ -73,8 +76,9 @@ public:
     qvTCP::Socket* socket() const noexcept { return socket_; }
 
 protected:
-    // Each primitive writes or reads exactly the bytes tabled above and throws the socket's
-    // qvUtil::Error on failure (also when no socket is set).
+    ///@{
+    /// Each primitive writes or reads exactly the bytes tabled above and throws the socket's
+    /// qvUtil::Error on failure (also when no socket is set).
     void sendInt(int value);
     int recvInt();
     void sendInt64(std::int64_t value);
@@ -84,6 +88,7 @@ protected:
     void sendString(const qvString::CString& text);
     qvString::CString recvString();
     void sendError(const qvUtil::Error& error);
+    ///@}
     /// Code 0 gives an empty error whatever the text. Otherwise the text is the message's
     /// format, applied with no arguments: "%%" reads as "%", and any other directive stays as
     /// written (there is nothing it could print).

@@ -12,10 +12,13 @@ namespace qvObrixBase {
 class OBRIX_API FileCacheProtocolClient : public FileCacheProtocol {
 public:
     FileCacheProtocolClient() = default;
+    ///@{
+    /// Copies share the socket, as FileCacheProtocol's do.
     FileCacheProtocolClient(const FileCacheProtocolClient&) = default;
     FileCacheProtocolClient(FileCacheProtocolClient&&) = default;
     FileCacheProtocolClient& operator=(const FileCacheProtocolClient&) = default;
     FileCacheProtocolClient& operator=(FileCacheProtocolClient&&) = default;
+    ///@}
     ~FileCacheProtocolClient() override;
 
     /// Returns the server's error, or the socket's error when the exchange failed.

@@ -16,10 +16,13 @@ namespace qvObrixBase {
 class OBRIX_API FileCacheProtocolServer : public FileCacheProtocol {
 public:
     FileCacheProtocolServer() = default;
+    ///@{
+    /// Copies share the socket, as FileCacheProtocol's do.
     FileCacheProtocolServer(const FileCacheProtocolServer&) = default;
     FileCacheProtocolServer(FileCacheProtocolServer&&) = default;
     FileCacheProtocolServer& operator=(const FileCacheProtocolServer&) = default;
     FileCacheProtocolServer& operator=(FileCacheProtocolServer&&) = default;
+    ///@}
     ~FileCacheProtocolServer() override;
 
     /// Reads one request code and serves that request. An unknown code is consumed alone and

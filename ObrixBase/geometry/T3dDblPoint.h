@@ -12,10 +12,12 @@
 /// stored contiguously. No operation reports an error or allocates.
 class OBRIX_API T3dDblPoint {
 public:
+    ///@{
     /// The coordinates, contiguous in this order.
     double x = 0.0;
     double y = 0.0;
     double z = 0.0;
+    ///@}
 
     /// The origin (0, 0, 0).
     static const T3dDblPoint origin;
@@ -24,9 +26,11 @@ public:
     constexpr T3dDblPoint() noexcept = default;
     /// The point (x, y, z).
     constexpr T3dDblPoint(double x_, double y_, double z_) noexcept : x(x_), y(y_), z(z_) {}
+    /// Copies the coordinates.
     constexpr T3dDblPoint(const T3dDblPoint&) noexcept = default;
     /// The point at the vector's offset from the origin.
     constexpr T3dDblPoint(const T4dDblVector& v) noexcept : x(v.x), y(v.y), z(v.z) {}
+    /// Copies the coordinates.
     constexpr T3dDblPoint& operator=(const T3dDblPoint&) noexcept = default;
     /// Copies the vector's x, y, z.
     constexpr T3dDblPoint& operator=(const T4dDblVector& v) noexcept {
@@ -40,6 +44,7 @@ public:
     constexpr int operator==(const T3dDblPoint& p) const noexcept {
         return x == p.x && y == p.y && z == p.z;
     }
+    /// 1 when any coordinate differs (exactly).
     constexpr int operator!=(const T3dDblPoint& p) const noexcept { return !(*this == p); }
 
     /// Stores the affine product p·M: x' = x·M(0,0) + y·M(1,0) + z·M(2,0) + M(3,0), and

@@ -15,11 +15,13 @@
 /// infinities or NaNs without a trap.
 class OBRIX_API T4dDblPoint {
 public:
+    ///@{
     /// The coordinates, contiguous in this order; w is the weight.
     double x = 0.0;
     double y = 0.0;
     double z = 0.0;
     double w = 1.0;
+    ///@}
 
     /// The origin (0, 0, 0, 1).
     static const T4dDblPoint origin;
@@ -43,17 +45,21 @@ public:
     constexpr double& operator()(short i) noexcept {
         return i == 0 ? x : i == 1 ? y : i == 2 ? z : w;
     }
+    /// Coordinate i of a const point, read as above.
     constexpr double operator()(short i) const noexcept {
         return i == 0 ? x : i == 1 ? y : i == 2 ? z : w;
     }
+    ///@{
     /// Pointer to x; y, z and w follow it.
     constexpr double* array() noexcept { return &x; }
     constexpr const double* array() const noexcept { return &x; }
+    ///@}
 
     /// 1 when all four coordinates are exactly equal: (1, 0, 0, 1) and (2, 0, 0, 2) differ.
     constexpr int operator==(const T4dDblPoint& p) const noexcept {
         return x == p.x && y == p.y && z == p.z && w == p.w;
     }
+    /// 1 when any coordinate differs (exactly).
     constexpr int operator!=(const T4dDblPoint& p) const noexcept { return !(*this == p); }
 
     /// Divides x, y, z by w and sets w to 1; a w of exactly 1.0 leaves the point bit for bit

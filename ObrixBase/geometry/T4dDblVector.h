@@ -21,10 +21,12 @@ class TunitQuaternion;
 /// 1e-9 below which normalisation and rotateTo give up.
 class OBRIX_API T4dDblVector {
 public:
+    ///@{
     /// The components, contiguous in this order.
     double x = 0.0;
     double y = 0.0;
     double z = 0.0;
+    ///@}
 
     /// The zero vector (0, 0, 0), despite its name.
     static const T4dDblVector identity;
@@ -50,7 +52,9 @@ public:
     constexpr T4dDblVector& operator=(const T4dDblMatrix& m) noexcept {
         return set(m(3, 0), m(3, 1), m(3, 2));
     }
+    /// Copies the components.
     constexpr T4dDblVector& operator=(const T4dDblVector&) noexcept = default;
+    /// Copies the components.
     constexpr T4dDblVector(const T4dDblVector&) noexcept = default;
 
     /// The translation by this vector: the identity with (x, y, z, 1) in row 3.
@@ -64,22 +68,28 @@ public:
 
     /// Component i: 0 gives x, 1 gives y, every other index gives z.
     constexpr double& operator()(short i) noexcept { return i == 0 ? x : i == 1 ? y : z; }
+    /// Component i of a const vector, read as above.
     constexpr double operator()(short i) const noexcept { return i == 0 ? x : i == 1 ? y : z; }
     /// Component i: 0 gives x, 1 gives y, every other index gives z.
     constexpr double& operator[](std::size_t i) noexcept { return i == 0 ? x : i == 1 ? y : z; }
+    /// Component i of a const vector, read as above.
     constexpr double operator[](std::size_t i) const noexcept {
         return i == 0 ? x : i == 1 ? y : z;
     }
+    ///@{
     /// Pointer to x; y and z follow it.
     constexpr double* array() noexcept { return &x; }
     constexpr const double* array() const noexcept { return &x; }
+    ///@}
 
     /// 1 when x, y and z are exactly equal.
     constexpr int operator==(const T4dDblVector& v) const noexcept {
         return x == v.x && y == v.y && z == v.z;
     }
+    /// 1 when any component differs (exactly).
     constexpr int operator!=(const T4dDblVector& v) const noexcept { return !(*this == v); }
 
+    ///@{
     /// Componentwise arithmetic: sum, difference, negation, scaling, and their in-place forms.
     constexpr T4dDblVector operator+(const T4dDblVector& v) const noexcept {
         return T4dDblVector(x + v.x, y + v.y, z + v.z);
@@ -95,6 +105,7 @@ public:
         return set(x + v.x, y + v.y, z + v.z);
     }
     constexpr T4dDblVector& operator*=(double s) noexcept { return set(x * s, y * s, z * s); }
+    ///@}
 
     /// x·v.x + y·v.y + z·v.z.
     constexpr double dotProduct(const T4dDblVector& v) const noexcept {

@@ -60,6 +60,7 @@ public:
     }
     /// Grows to hold n points of three doubles each (x, y, z, x, y, z, ...). Returns *this.
     TboundingBox& extendIt(const double* xyz, std::size_t n) noexcept;
+    ///@{
     /// Copies grown by a point or a box.
     constexpr TboundingBox extend(const T3dDblPoint& p) const noexcept {
         return TboundingBox(*this).extendIt(p);
@@ -67,6 +68,7 @@ public:
     constexpr TboundingBox extend(const TboundingBox& b) const noexcept {
         return TboundingBox(*this).extendIt(b);
     }
+    ///@}
 
     /// The smallest box holding both (the union of their points' boxes).
     constexpr TboundingBox unite(const TboundingBox& b) const noexcept { return extend(b); }

@@ -36,6 +36,7 @@ public:
     /// The affine transform t; every affine transform is a general one.
     TgenXformMatrix(const TxformMatrix& t) noexcept : m_(t.matrix()) {}
 
+    ///@{
     /// Replace the transform, as the constructors do. Each returns *this.
     TgenXformMatrix& operator=(const T4dDblMatrix& m) noexcept {
         m_ = m;
@@ -44,6 +45,7 @@ public:
     TgenXformMatrix& operator=(const T4dDblVector& v) noexcept { return *this = T4dDblMatrix(v); }
     TgenXformMatrix& operator=(const Tscale& s) noexcept { return *this = T4dDblMatrix(s); }
     TgenXformMatrix& operator=(const TunitQuaternion& q) noexcept { return *this = q.matrix(); }
+    ///@}
 
     /// The matrix.
     constexpr const T4dDblMatrix& matrix() const noexcept { return m_; }

@@ -29,31 +29,42 @@ public:
 
     /// One range: first, first ± step, ... up to last, which is reached exactly.
     struct Range {
+        /// The first number of the range.
         int first;
+        /// The last number, reached exactly.
         int last;
         int step; ///< at least 1; the direction comes from first and last
         /// How many numbers the range holds.
         std::int64_t count() const noexcept;
+        /// Same first, last and step.
         friend bool operator==(const Range&, const Range&) = default;
     };
 
     /// Walks the numbers in order. A forward iterator; changing the sequence invalidates it.
     class const_iterator {
     public:
+        ///@{
+        /// The standard iterator traits: a forward iterator over int values.
         using iterator_category = std::forward_iterator_tag;
         using value_type = int;
         using difference_type = std::ptrdiff_t;
         using pointer = const int*;
         using reference = int;
+        ///@}
 
+        /// An iterator over nothing; compare it only with other default iterators.
         const_iterator() noexcept = default;
+        /// The current number.
         int operator*() const noexcept { return value_; }
+        /// To the next number; past the last one it equals end().
         OBRIX_API const_iterator& operator++() noexcept;
+        /// Post-increment: moves on, returns the old position.
         const_iterator operator++(int) noexcept {
             const_iterator r = *this;
             ++*this;
             return r;
         }
+        /// Same position: the same range and the same number.
         bool operator==(const const_iterator& o) const noexcept {
             return range_ == o.range_ && value_ == o.value_;
         }
@@ -105,6 +116,7 @@ public:
     const_iterator begin() const noexcept {
         return const_iterator(ranges_.data(), ranges_.data() + ranges_.size());
     }
+    /// Past the last number.
     const_iterator end() const noexcept {
         const Range* e = ranges_.data() + ranges_.size();
         return const_iterator(e, e);

@@ -25,6 +25,7 @@ public:
     Tplane(const T4dDblPoint& p, const T4dDblVector& n, double tol = 1e-9) noexcept;
     /// Copies all five fields, the tolerance included.
     Tplane(const Tplane&) = default;
+    /// Copies all five fields, the tolerance included.
     Tplane& operator=(const Tplane&) = default;
     virtual ~Tplane() = default;
 

@@ -21,10 +21,12 @@ public:
                            double twist = 0.0) noexcept
         : position_(position), target_(target), twist_(twist) {}
 
+    ///@{
     /// The ends and the twist, as stored.
     constexpr const T3dDblPoint& position() const noexcept { return position_; }
     constexpr const T3dDblPoint& target() const noexcept { return target_; }
     constexpr double twist() const noexcept { return twist_; }
+    ///@}
 
     /// Moves the position; the target stays. Returns *this.
     constexpr TpointTarget& setPosition(const T3dDblPoint& p) noexcept {

@@ -24,6 +24,7 @@ public:
     /// Copies every component and the stale mark, so a copy of a stale transform rebuilds on
     /// its own first use.
     TpostXformMatrix(const TpostXformMatrix&) noexcept = default;
+    /// Copies every component and the stale mark, as the copy constructor does.
     TpostXformMatrix& operator=(const TpostXformMatrix&) noexcept = default;
     virtual ~TpostXformMatrix() = default;
 
@@ -49,12 +50,14 @@ public:
     /// Stores the scale pivot; the matrix stays as it is. Returns *this.
     TpostXformMatrix& setScalePivotPoint(const T4dDblPoint& p) noexcept;
 
+    ///@{
     /// Copies of the components and pivots, as stored (no rebuild).
     T4dDblVector translation() const noexcept { return translation_; }
     TunitQuaternion rotation() const noexcept { return rotation_; }
     Tscale scale() const noexcept { return scale_; }
     T4dDblPoint rotatePivotPoint() const noexcept { return rotatePivot_; }
     T4dDblPoint scalePivotPoint() const noexcept { return scalePivot_; }
+    ///@}
 
     /// The matrix S·R·T, rebuilt first when a component has changed.
     const T4dDblMatrix& matrix() noexcept;

@@ -16,7 +16,9 @@ class OBRIX_API Tquaternion {
 public:
     double w = 0.0; ///< the scalar part
     double x = 0.0; ///< the vector part
+    /// The vector part's y.
     double y = 0.0;
+    /// The vector part's z.
     double z = 0.0;
 
     /// The zero quaternion (0, 0, 0, 0); the additive identity, not a rotation.
@@ -58,12 +60,14 @@ public:
     /// Every component divided by s; s = 0 gives infinities or NaNs.
     constexpr Tquaternion operator/(double s) const noexcept { return *this * (1.0 / s); }
 
+    ///@{
     /// In-place forms of +, -, the Hamilton product (*this = *this·q) and scaling. Each
     /// returns *this.
     constexpr Tquaternion& operator+=(const Tquaternion& q) noexcept { return *this = *this + q; }
     constexpr Tquaternion& operator-=(const Tquaternion& q) noexcept { return *this = *this - q; }
     constexpr Tquaternion& operator*=(const Tquaternion& q) noexcept { return *this = *this * q; }
     constexpr Tquaternion& operator*=(double s) noexcept { return *this = *this * s; }
+    ///@}
 
     /// The conjugate (w, -x, -y, -z).
     constexpr Tquaternion conjugate() const noexcept { return Tquaternion(w, -x, -y, -z); }

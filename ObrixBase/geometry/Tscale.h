@@ -25,14 +25,18 @@ public:
     /// The three factors, each through the zero guard.
     constexpr Tscale(double x, double y, double z) noexcept
         : x_(guard(x)), y_(guard(y)), z_(guard(z)) {}
+    /// Copies the factors (already guarded).
     constexpr Tscale(const Tscale&) noexcept = default;
+    /// Copies the factors (already guarded).
     constexpr Tscale& operator=(const Tscale&) noexcept = default;
     virtual ~Tscale() = default;
 
+    ///@{
     /// The stored factors, each already through the zero guard.
     constexpr double x() const noexcept { return x_; }
     constexpr double y() const noexcept { return y_; }
     constexpr double z() const noexcept { return z_; }
+    ///@}
 
     /// All three factors become s, through the zero guard. Returns *this.
     constexpr Tscale& set(double s) noexcept { return set(s, s, s); }

@@ -70,7 +70,9 @@ class OBRIX_API TunitQuaternion {
 public:
     double w = 1.0; ///< the scalar part, cos(angle / 2)
     double x = 0.0; ///< the vector part, sin(angle / 2) times the unit axis
+    /// The vector part's y.
     double y = 0.0;
+    /// The vector part's z.
     double z = 0.0;
 
     /// The identity rotation (1, 0, 0, 0).

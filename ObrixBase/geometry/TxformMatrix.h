@@ -38,11 +38,13 @@ public:
     /// The affine part of a general transform: its column 3 is dropped.
     explicit TxformMatrix(const TgenXformMatrix& t) noexcept;
 
+    ///@{
     /// Replace the transform, as the constructors do. Each returns *this.
     TxformMatrix& operator=(const T4dDblMatrix& m) noexcept { return *this = TxformMatrix(m); }
     TxformMatrix& operator=(const T4dDblVector& v) noexcept { return *this = TxformMatrix(v); }
     TxformMatrix& operator=(const Tscale& s) noexcept { return *this = TxformMatrix(s); }
     TxformMatrix& operator=(const TunitQuaternion& q) noexcept { return *this = TxformMatrix(q); }
+    ///@}
 
     /// The matrix.
     constexpr const T4dDblMatrix& matrix() const noexcept { return m_; }

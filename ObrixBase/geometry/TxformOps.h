@@ -49,9 +49,11 @@ OBRIX_API void transformVectors(const T4dDblMatrix& m, const double* in, double*
 template <class Derived>
 class TxformOps {
 public:
-    /// Turns by `angle` radians about the x, y or z axis through the origin. Returns *this.
+    /// Turns by `angle` radians about the x axis through the origin. Returns *this.
     Derived& rotateItX(double angle) noexcept { return apply(axisRotation(XAxis, angle)); }
+    /// Turns by `angle` radians about the y axis through the origin. Returns *this.
     Derived& rotateItY(double angle) noexcept { return apply(axisRotation(YAxis, angle)); }
+    /// Turns by `angle` radians about the z axis through the origin. Returns *this.
     Derived& rotateItZ(double angle) noexcept { return apply(axisRotation(ZAxis, angle)); }
     /// Turns by `angle` radians about `axis` (any length) through the origin. Returns *this.
     Derived& rotateIt(const T4dDblVector& axis, double angle) noexcept {
@@ -71,14 +73,19 @@ public:
         return committed();
     }
 
-    /// Copies with the same changes as the "It" forms above.
+    /// A copy turned about the x axis (rotateItX).
     Derived rotateX(double angle) const noexcept { return Derived(self()).rotateItX(angle); }
+    /// A copy turned about the y axis (rotateItY).
     Derived rotateY(double angle) const noexcept { return Derived(self()).rotateItY(angle); }
+    /// A copy turned about the z axis (rotateItZ).
     Derived rotateZ(double angle) const noexcept { return Derived(self()).rotateItZ(angle); }
+    /// A copy turned about `axis` (rotateIt).
     Derived rotate(const T4dDblVector& axis, double angle) const noexcept {
         return Derived(self()).rotateIt(axis, angle);
     }
+    /// A copy scaled by `s` (scaleIt).
     Derived scale(const Tscale& s) const noexcept { return Derived(self()).scaleIt(s); }
+    /// A copy moved by `v` (translateIt).
     Derived translate(const T4dDblVector& v) const noexcept {
         return Derived(self()).translateIt(v);
     }

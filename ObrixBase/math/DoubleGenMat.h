@@ -34,6 +34,7 @@ using IntGenMatPick = NumGenMatPick<int>;
 template <class T>
 class OBRIX_API NumGenMat {
 public:
+    /// The element type.
     using value_type = T;
 
     /// 0 x 0.
@@ -52,6 +53,7 @@ public:
     template <class U = T>
     requires obrix::DoubleOnly<U>
     explicit NumGenMat(const NumGenMat<int>& other);
+    ///@{
     /// The full matrix of a packed one: both triangles of a symmetric matrix, zeros in the
     /// empty triangle of a triangular one.
     template <class U = T>
@@ -63,6 +65,7 @@ public:
     template <class U = T>
     requires obrix::DoubleOnly<U>
     explicit NumGenMat(const DoubleUpperTriMat& m);
+    ///@}
     /// Gathers the picked elements into a new matrix.
     NumGenMat(const NumGenMatPick<T>& pick);
     ~NumGenMat() = default;
@@ -75,6 +78,7 @@ public:
     NumGenMat& reference(const NumGenMat& other) noexcept;
     /// A new matrix with its own contiguous storage.
     NumGenMat copy() const;
+    /// Same as copy().
     NumGenMat deepCopy() const { return copy(); }
     /// Makes the storage exclusive and contiguous.
     void deepenShallowCopy() { vec_.deepenShallowCopy(); }
@@ -85,19 +89,28 @@ public:
     /// Sets every element to 0.
     void zero() { vec_ = T(0); }
 
+    ///@{
     /// The shape.
     unsigned rows() const noexcept { return nrows_; }
     unsigned cols() const noexcept { return ncols_; }
+    ///@}
     /// The elements as one vector in column-major order (shares the storage).
     const NumVec<T>& dataVec() const noexcept { return vec_; }
     /// The element vector's stride (1 unless the matrix was built over a strided vector).
     int stride() const noexcept { return vec_.stride(); }
+    ///@{
+    /// The element (0, 0), for kernels that take column-major storage with leading dimension
+    /// rows() (when stride() is 1).
     T* data() noexcept { return vec_.data(); }
     const T* data() const noexcept { return vec_.data(); }
+    ///@}
 
+    ///@{
     /// Unchecked element access.
     T& operator()(int i, int j) noexcept { return vec_.data()[offset(i, j)]; }
     T operator()(int i, int j) const noexcept { return vec_.data()[offset(i, j)]; }
+    ///@}
+    ///@{
     /// Checked element access (`MATX_BOUNDS` (0x4005)).
     T& bcref(int i, int j) {
         boundsCheck(i, j);
@@ -111,6 +124,7 @@ public:
         boundsCheck(i, j);
         return (*this)(i, j) = x;
     }
+    ///@}
     /// Stores x at (i, j), unchecked, and returns it.
     T set(int i, int j, T x) noexcept { return (*this)(i, j) = x; }
 
@@ -120,11 +134,13 @@ public:
     NumVec<T> col(int j) const { return NumVec<T>(vec_, static_cast<int>(nrows_) * j, nrows_, 1); }
     /// Diagonal k (0 main, k > 0 above, k < 0 below) as a view of stride rows + 1.
     NumVec<T> diagonal(int k = 0) const;
+    ///@{
     /// Checked forms: `MATX_ROWBOUNDS` (0x4006), `MATX_COLBOUNDS` (0x4007), `MATX_DIAGBOUNDS`
     /// (0x4008).
     NumVec<T> bcrow(int i) const;
     NumVec<T> bccol(int j) const;
     NumVec<T> bcdiagonal(int k = 0) const;
+    ///@}
     /// An index-list view of the rows and columns listed (checked: `MATX_PICKRANGE` (0x4001)).
     NumGenMatPick<T> operator()(const NumVec<int>& rowIndices, const NumVec<int>& colIndices);
 
@@ -133,10 +149,16 @@ public:
     /// Raises `MATX_MATSIZE` (0x4004) with both shapes unless `other` has this one's shape.
     void shapeCheck(const NumGenMat& other) const;
 
+    /// Same shape and equal elements, compared in column-major order.
     bool operator==(const NumGenMat& other) const;
+    /// Not equal: another shape or another element somewhere.
     bool operator!=(const NumGenMat& other) const { return !(*this == other); }
+    ///@{
+    /// Add or subtract 1 to every element in place.
     NumGenMat& operator++();
     NumGenMat& operator--();
+    ///@}
+    ///@{
     /// In-place element-wise arithmetic (`MATX_MATSIZE` (0x4004) on shape).
     NumGenMat& operator+=(const NumGenMat& other);
     NumGenMat& operator-=(const NumGenMat& other);
@@ -146,6 +168,7 @@ public:
     NumGenMat& operator-=(T value);
     NumGenMat& operator*=(T value);
     NumGenMat& operator/=(T value);
+    ///@}
 
     /// f applied to every element, as a new matrix.
     NumGenMat apply(T (*f)(T)) const;
@@ -173,17 +196,23 @@ public:
     /// Checks every index from last to first (`MATX_PICKRANGE` (0x4001)).
     NumGenMatPick(const NumGenMat<T>& matrix, const NumVec<int>& rowIndices,
                   const NumVec<int>& colIndices);
+    /// Shallow: shares the matrix and both index vectors.
     NumGenMatPick(const NumGenMatPick&) = default;
     /// Scatters a matrix of the pick's shape (`MATX_MATSIZE` (0x4004) otherwise).
     NumGenMatPick& operator=(const NumGenMat<T>& values);
     /// Sets every picked element.
     NumGenMatPick& operator=(T value);
 
+    ///@{
     /// The pick's shape: the lengths of the row and column index vectors.
     unsigned rows() const noexcept { return rows_.length(); }
     unsigned cols() const noexcept { return cols_.length(); }
+    ///@}
+    ///@{
+    /// Unchecked: matrix(rowIndices(r), colIndices(c)).
     T& operator()(int r, int c) noexcept { return matrix_(rows_(r), cols_(c)); }
     T operator()(int r, int c) const noexcept { return matrix_(rows_(r), cols_(c)); }
+    ///@}
 
 private:
     NumGenMat<T> matrix_;

@@ -77,9 +77,14 @@ protected:
     /// min(m, n), the length of R's diagonal.
     int diagonalCount() const;
 
+    /// The factored matrix: R on and above the diagonal, the Householder vectors below it.
     DoubleGenMat qr_;
+    /// The column order, 0-based: column k of X P is column pivots_(k) of X (the identity
+    /// order without pivoting).
     IntVec pivots_;
+    /// 1 when the factorisation pivoted columns.
     int doPivoting_;
+    /// The reflectors' leading elements, one per column (the kernel's qraux).
     DoubleVec qraux_;
 };
 

@@ -20,17 +20,21 @@ class OBRIX_API DoublePackedMat {
 public:
     /// The order n (the matrices are always n x n).
     unsigned order() const noexcept { return n_; }
+    ///@{
     /// Both equal the order.
     unsigned rows() const noexcept { return n_; }
     unsigned cols() const noexcept { return n_; }
+    ///@}
     /// The packed elements (shares the storage).
     const DoubleVec& dataVec() const noexcept { return vec_; }
     /// The packed elements for in-place element work. Assign through it; rebinding it with
     /// reference() to a vector of another length breaks the matrix.
     DoubleVec& dataVec() noexcept { return vec_; }
+    ///@{
     /// The first packed element.
     double* data() noexcept { return vec_.data(); }
     const double* data() const noexcept { return vec_.data(); }
+    ///@}
 
     /// Sets every stored element to 0.
     void zero() { vec_ = 0.0; }
@@ -48,6 +52,7 @@ protected:
     /// Shares `data`; raises `MATX_NSQUARE` (0x400D) unless n == m and `MATX_NPOINTS` (0x400A)
     /// (length, n, n, className) unless the length is n(n+1)/2.
     DoublePackedMat(const DoubleVec& data, unsigned n, unsigned m, const char* className);
+    /// Shallow: shares the packed storage.
     DoublePackedMat(const DoublePackedMat&) noexcept = default;
     ~DoublePackedMat() = default;
     /// Element copy after shapeCheck.
@@ -61,7 +66,10 @@ protected:
     /// <= n. A negative k (when the handler returns) gives an empty view.
     DoubleVec leadingElements(int k) const;
 
+    /// The packed elements: the lower (or, for DoubleUpperTriMat, upper) triangle in the order
+    /// the class's index() gives; length n(n+1)/2.
     DoubleVec vec_;
+    /// The order.
     unsigned n_;
 };
 
@@ -84,9 +92,9 @@ public:
     }
     /// The same as copy().
     Derived deepCopy() const { return self().copy(); }
-    /// Order m keeping the leading submatrix (resize) or nothing (reshape); `MATX_NSQUARE` (0x400D)
-    /// unless n == m.
+    /// Order m keeping the leading submatrix; `MATX_NSQUARE` (0x400D) unless n == m.
     void resize(unsigned n, unsigned m) { resizePacked(n, m); }
+    /// Order m over new storage, nothing kept; `MATX_NSQUARE` (0x400D) unless n == m.
     void reshape(unsigned n, unsigned m) { reshapePacked(n, m); }
     /// Checked read (`MATX_BOUNDS` (0x4005) with (i, j, n, n)).
     double bcval(int i, int j) const {
@@ -100,24 +108,32 @@ public:
     friend bool operator==(const Derived& a, const Derived& b) {
         return a.order() == b.order() && a.dataVec() == b.dataVec();
     }
+    /// Not equal: another order or another stored element.
     friend bool operator!=(const Derived& a, const Derived& b) { return !(a == b); }
 
 protected:
+    /// Order 0.
     PackedMatMembers() noexcept = default;
+    /// Order n, uninitialised; `MATX_NSQUARE` (0x400D) unless n == m.
     PackedMatMembers(unsigned n, unsigned m) : DoublePackedMat(n, m) {}
+    /// Order n, every stored element `value`.
     PackedMatMembers(unsigned n, unsigned m, double value) : DoublePackedMat(n, m) { vec_ = value; }
+    /// Over the packed elements of `data` (shared); the checks of DoublePackedMat's.
     PackedMatMembers(const DoubleVec& data, unsigned n, unsigned m, const char* className)
         : DoublePackedMat(data, n, m, className) {}
+    /// Shallow.
     PackedMatMembers(const PackedMatMembers&) noexcept = default;
     ~PackedMatMembers() = default;
 
-    /// The bodies of the classes' own reference(), copy() and leadingSubmatrix().
+    /// The body of the classes' own reference(): shares `other`'s storage and order.
     Derived& rebind(const Derived& other) noexcept {
         vec_.reference(other.vec_);
         n_ = other.n_;
         return self();
     }
+    /// copy(): a new matrix of the same order over a contiguous copy of the elements.
     Derived packedCopy() const { return Derived(vec_.copy(), n_, n_); }
+    /// leadingSubmatrix(k): the order-k leading block over the first k(k+1)/2 elements.
     Derived leadingBlock(int k) const {
         const DoubleVec leading = leadingElements(k);
         const unsigned order = k < 0 ? 0u : static_cast<unsigned>(k);
@@ -157,9 +173,12 @@ public:
         return i <= j ? static_cast<std::ptrdiff_t>(j) * (j + 1) / 2 + i
                       : static_cast<std::ptrdiff_t>(i) * (i + 1) / 2 + j;
     }
+    ///@{
     /// Unchecked; (i, j) and (j, i) are the same element.
     double& operator()(int i, int j) noexcept { return vec_(static_cast<int>(index(i, j))); }
     double operator()(int i, int j) const noexcept { return vec_(static_cast<int>(index(i, j))); }
+    ///@}
+    ///@{
     /// Checked forms (`MATX_BOUNDS` (0x4005) with (i, j, n, n)).
     double& bcref(int i, int j) {
         boundsCheck(i, j);
@@ -169,6 +188,8 @@ public:
         boundsCheck(i, j);
         return (*this)(i, j) = x;
     }
+    ///@}
+    /// Stores x at (i, j) (and so at (j, i)), unchecked, and returns it.
     double set(int i, int j, double x) noexcept { return (*this)(i, j) = x; }
     /// The order-k leading block, sharing the storage (`MATX_LEADSUB` (0x4018) unless 0 <= k <= n).
     DoubleSymMat leadingSubmatrix(int k) const;

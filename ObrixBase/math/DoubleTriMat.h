@@ -16,6 +16,7 @@ class OBRIX_API RODoubleRef {
 public:
     /// A reference to `element`, or to the constant zero when `element` is null.
     explicit RODoubleRef(double* element) noexcept : element_(element) {}
+    /// Refers to the same element (or the same constant zero).
     RODoubleRef(const RODoubleRef&) noexcept = default;
     /// Stores x in a stored element; ignored for the constant zero.
     RODoubleRef& operator=(double x) noexcept {
@@ -23,9 +24,11 @@ public:
             *element_ = x;
         return *this;
     }
+    /// Stores the element `other` reads, not a rebinding: a reference is to one place for good.
     RODoubleRef& operator=(const RODoubleRef& other) noexcept {
         return *this = static_cast<double>(other);
     }
+    /// The element's value; 0 for the constant zero.
     operator double() const noexcept { return element_ != nullptr ? *element_ : 0.0; }
     /// True when this refers to the constant zero of the empty triangle.
     bool isConstantZero() const noexcept { return element_ == nullptr; }
@@ -50,13 +53,16 @@ public:
     }
     /// Unchecked; the empty triangle gives the constant zero.
     RODoubleRef ref(int i, int j) noexcept { return (*this)(i, j); }
+    ///@{
     /// Unchecked; the empty triangle gives the constant zero.
     RODoubleRef operator()(int i, int j) noexcept {
         return RODoubleRef(stores(i, j) ? &this->vec_(static_cast<int>(index(i, j))) : nullptr);
     }
+    /// Unchecked read; 0 in the empty triangle.
     double operator()(int i, int j) const noexcept {
         return stores(i, j) ? this->vec_(static_cast<int>(index(i, j))) : 0.0;
     }
+    ///@}
     /// Checked form (`MATX_BOUNDS` (0x4005) with (i, j, n, n)).
     RODoubleRef bcref(int i, int j) {
         this->boundsCheck(i, j);
@@ -95,6 +101,7 @@ public:
     DoubleLowerTriMat(unsigned n, unsigned m, double value);
     /// Over the packed elements of `data` (shared).
     DoubleLowerTriMat(const DoubleVec& data, unsigned n, unsigned m);
+    /// Shallow.
     DoubleLowerTriMat(const DoubleLowerTriMat& other) noexcept = default;
     ~DoubleLowerTriMat() = default;
     /// Copies elements (`MATX_MATSIZE` (0x4004) unless the orders match).
@@ -116,18 +123,26 @@ class OBRIX_API DoubleUpperTriMat : public obrix::detail::TriMatMembers<DoubleUp
 public:
     /// Order 0; the constructors and members work as for DoubleLowerTriMat.
     DoubleUpperTriMat() noexcept = default;
+    /// Order n, uninitialised (`MATX_NSQUARE` (0x400D) unless n == m).
     DoubleUpperTriMat(unsigned n, unsigned m);
+    /// Order n, every stored element `value`.
     DoubleUpperTriMat(unsigned n, unsigned m, double value);
+    /// Over the packed elements of `data` (shared).
     DoubleUpperTriMat(const DoubleVec& data, unsigned n, unsigned m);
+    /// Shallow.
     DoubleUpperTriMat(const DoubleUpperTriMat& other) noexcept = default;
     ~DoubleUpperTriMat() = default;
+    /// Copies elements (`MATX_MATSIZE` (0x4004) unless the orders match).
     DoubleUpperTriMat& operator=(const DoubleUpperTriMat& other);
     using PackedMatMembers::operator=;
+    /// Rebinds to `other`'s storage and order.
     DoubleUpperTriMat& reference(const DoubleUpperTriMat& other) noexcept;
+    /// A deep copy with contiguous storage.
     DoubleUpperTriMat copy() const;
     /// Raises `MATX_CHANGEELEMENT` (0x4009) (i, j, "DoubleUpperTriMat") for i > j and stores
     /// nothing there.
     double bcset(int i, int j, double x);
+    /// The order-k leading block, sharing the storage (`MATX_LEADSUB` (0x4018) unless 0 <= k <= n).
     DoubleUpperTriMat leadingSubmatrix(int k) const;
 };
 

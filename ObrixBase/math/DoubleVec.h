@@ -40,26 +40,39 @@ concept DoubleOnly = std::is_same_v<U, double>;
 /// The class names that numeric messages print for each element type.
 template <class T>
 struct NumericNames;
+/// The names for double elements.
 template <>
 struct NumericNames<double> {
+    ///@{
+    /// The vector, its pick, the matrix and the matrix pick, as messages name them.
     static constexpr const char* vec = "DoubleVec";
     static constexpr const char* pick = "DoubleVecPick";
     static constexpr const char* mat = "DoubleGenMat";
     static constexpr const char* matPick = "DoubleGenMatPick";
+    ///@}
 };
+/// The names for int elements.
 template <>
 struct NumericNames<int> {
+    ///@{
+    /// The vector, its pick, the matrix and the matrix pick, as messages name them.
     static constexpr const char* vec = "IntVec";
     static constexpr const char* pick = "IntVecPick";
     static constexpr const char* mat = "IntGenMat";
     static constexpr const char* matPick = "IntGenMatPick";
+    ///@}
 };
+/// The names for signed char elements (there is no signed char matrix; the names keep the
+/// messages uniform).
 template <>
 struct NumericNames<signed char> {
+    ///@{
+    /// The vector, its pick, the matrix and the matrix pick, as messages name them.
     static constexpr const char* vec = "SCharVec";
     static constexpr const char* pick = "SCharVecPick";
     static constexpr const char* mat = "SCharGenMat";
     static constexpr const char* matPick = "SCharGenMatPick";
+    ///@}
 };
 } // namespace obrix
 
@@ -68,6 +81,7 @@ struct NumericNames<signed char> {
 template <class T>
 class OBRIX_API NumVec {
 public:
+    /// The element type.
     using value_type = T;
     /// Unary element function of DoubleVec::apply.
     using ElementFunction = T (*)(T);
@@ -112,6 +126,7 @@ public:
     /// Length `n` over a new block keeping the first min(old, n) elements; new ones are 0.
     void resize(unsigned n);
 
+    ///@{
     /// The element count, the distance in elements between neighbours, element 0 of this
     /// view (inside the block, not necessarily at its start) and the shared block.
     unsigned length() const noexcept { return length_; }
@@ -119,19 +134,23 @@ public:
     T* data() noexcept { return data_; }
     const T* data() const noexcept { return data_; }
     RWBlock* block() const noexcept { return block_; }
+    ///@}
 
     /// Checked element access (boundsCheck).
     T& operator[](int i) {
         boundsCheck(i);
         return data_[static_cast<std::ptrdiff_t>(i) * stride_];
     }
+    /// The same for a const view; returns a copy of the element.
     T operator[](int i) const {
         boundsCheck(i);
         return data_[static_cast<std::ptrdiff_t>(i) * stride_];
     }
+    ///@{
     /// Unchecked element access.
     T& operator()(int i) noexcept { return data_[static_cast<std::ptrdiff_t>(i) * stride_]; }
     T operator()(int i) const noexcept { return data_[static_cast<std::ptrdiff_t>(i) * stride_]; }
+    ///@}
 
     /// A view of `n` elements from `start` by `stride` (negative allowed), sharing the block;
     /// sliceCheck first.
@@ -158,10 +177,14 @@ public:
 
     /// Equal lengths and equal elements in order.
     bool operator==(const NumVec& other) const;
+    /// Not equal: another length or another element somewhere.
     bool operator!=(const NumVec& other) const { return !(*this == other); }
+    ///@{
     /// Add or subtract 1 to every element in place.
     NumVec& operator++();
     NumVec& operator--();
+    ///@}
+    ///@{
     /// In-place element-wise arithmetic through the view's stride (VNMATCH on length).
     NumVec& operator+=(const NumVec& other);
     NumVec& operator-=(const NumVec& other);
@@ -171,6 +194,7 @@ public:
     NumVec& operator-=(T value);
     NumVec& operator*=(T value);
     NumVec& operator/=(T value);
+    ///@}
 
     /// Elements per line when printing (initially 5, one setting per element type); returns
     /// the previous setting.
@@ -193,6 +217,7 @@ public:
     template <class U = T>
     requires obrix::DoubleOnly<U>
     int isEqual(double v, double tol) const;
+    /// 1 when every element is near 0 (isEqual with v = 0).
     template <class U = T>
     requires obrix::DoubleOnly<U>
     int isZero(double tol) const { return isEqual<U>(0.0, tol); }
@@ -200,6 +225,7 @@ public:
     template <class U = T>
     requires obrix::DoubleOnly<U>
     int countValue(double v, double tol) const;
+    /// Number of elements near 0.
     template <class U = T>
     requires obrix::DoubleOnly<U>
     int countZero(double tol) const { return countValue<U>(0.0, tol); }
@@ -207,6 +233,7 @@ public:
     template <class U = T>
     requires obrix::DoubleOnly<U> NumVec<int> valueIndex(double v, double tol)
     const;
+    /// Ascending indices of the elements near 0.
     template <class U = T>
     requires obrix::DoubleOnly<U> NumVec<int> zeroIndex(double tol)
     const { return valueIndex<U>(0.0, tol); }
@@ -214,6 +241,7 @@ public:
     template <class U = T>
     requires obrix::DoubleOnly<U> NumVec<int> nonValueIndex(double v, double tol)
     const;
+    /// Ascending indices of the elements not near 0.
     template <class U = T>
     requires obrix::DoubleOnly<U> NumVec<int> nonZeroIndex(double tol)
     const { return nonValueIndex<U>(0.0, tol); }
@@ -250,6 +278,7 @@ public:
     /// A view of `vector` (shared block) through `indices` (shared); nothing is checked until
     /// the pick is used.
     NumVecPick(const NumVec<T>& vector, const NumVec<int>& indices);
+    /// Shallow: shares the viewed vector and the index vector.
     NumVecPick(const NumVecPick& other) = default;
 
     /// Scatters `values` through the indices (lengthCheck first).
@@ -261,9 +290,11 @@ public:
 
     /// The number of indices.
     unsigned length() const noexcept { return indices_.length(); }
+    ///@{
     /// Unchecked: vector(indices(k)).
     T& operator()(int k) noexcept { return vector_(indices_(k)); }
     T operator()(int k) const noexcept { return vector_(indices_(k)); }
+    ///@}
 
     /// Raises INDEX ("...Pick", index, vector length - 1) for the first index outside the
     /// vector.
@@ -271,9 +302,11 @@ public:
     /// Raises VNMATCH (pick length, n) unless they are equal.
     void lengthCheck(unsigned n) const;
 
+    ///@{
     /// The viewed vector and the index vector (both shallow).
     const NumVec<T>& vector() const noexcept { return vector_; }
     const NumVec<int>& indices() const noexcept { return indices_; }
+    ///@}
 
 private:
     NumVec<T> vector_;

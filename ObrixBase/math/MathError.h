@@ -14,6 +14,7 @@
 
 /// One raised error. The code's high 4 bits name the catalogue, the low 12 bits the entry.
 struct MathError {
+    /// The catalogue in the high 4 bits, the entry in the low 12.
     std::uint16_t code;
     /// 0 continue after reporting, 1 the catalogue entry's default, 2 terminate.
     std::uint32_t severity;
@@ -39,15 +40,21 @@ enum MathErrorTag : std::uint16_t {
 /// One catalogue entry: its default severity (MATH_CONTINUE or MATH_TERMINATE) and its
 /// printf-style message format.
 struct MathMessage {
+    /// MATH_CONTINUE or MATH_TERMINATE.
     std::uint32_t severity;
+    /// Printf-style, filled with the raise's arguments.
     const char* format;
 };
 
 /// A message catalogue: a node of the global list of registered catalogues.
 struct MessageCatalogue {
+    /// The catalogue's number (the code's high 4 bits).
     std::uint32_t number;
+    /// The entries, indexed by the code's low 12 bits.
     const MathMessage* entries;
+    /// Entries in `entries`.
     std::uint32_t count;
+    /// The next registered catalogue: the registry links it, callers leave it null.
     MessageCatalogue* next;
 };
 

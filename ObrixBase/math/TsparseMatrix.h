@@ -45,6 +45,7 @@ public:
     /// The value at (i, j): 0 outside the shape or when not stored; the first stored entry of
     /// row i in column j otherwise. Never raises.
     double element(int i, int j) const;
+    /// Same as element(i, j): reading never raises, so the operator needs no checked twin.
     double operator()(int i, int j) const { return element(i, j); }
     /// Overwrites the stored entry (i, j) and returns 1; returns 0 and stores nothing when
     /// (i, j) is outside the shape or not stored.
@@ -87,22 +88,28 @@ public:
     /// inside the shape); grows the entry capacity when needed.
     void set(const DoubleGenMat& block, int i, int j);
 
+    ///@{
     /// The logical shape; the writable forms let callers widen it over entries already stored.
     int rows() const noexcept { return rows_; }
     int& rows() noexcept { return rows_; }
     int cols() const noexcept { return cols_; }
     int& cols() noexcept { return cols_; }
+    ///@}
     /// The number of stored entries.
     int nonZeros() const noexcept { return nonZeros_; }
+    ///@{
     /// The capacities.
     int maxNumberOfRows() const noexcept { return maxRows_; }
     int maxNumberOfCols() const noexcept { return maxCols_; }
     int maxNumberOfNonZeros() const noexcept { return maxNonZeros_; }
+    ///@}
+    ///@{
     /// The four storage vectors, as shallow views of the whole capacity.
     const IntVec& beginnings() const noexcept { return beginnings_; }
     const IntVec& counts() const noexcept { return counts_; }
     const IntVec& indices() const noexcept { return indices_; }
     const DoubleVec& data() const noexcept { return data_; }
+    ///@}
 
 private:
     // Rewrites the stored columns as the columns listed in `kept` (ascending, in range).

@@ -54,8 +54,11 @@ typedef struct MA_Stats {
 /** The counts of one call site: every block allocated from the same file name and line. */
 typedef struct MA_Site_stats {
     const char* file; /**< the file name given by the caller; "(unknown)" for null */
+    /** The line given by the caller. */
     int line;
+    /** Bytes of this site's blocks not yet freed. */
     size_t live_bytes;
+    /** Blocks of this site not yet freed. */
     size_t live_blocks;
     size_t peak_bytes;   /**< the site's highest live_bytes */
     size_t total_blocks; /**< every block the site was ever handed */
@@ -147,11 +150,17 @@ OBRIX_API void Ma_getMmapStats(MA_Mmap_stats* stats);
     its user part; elsewhere its address-space limit, or the architecture's user space when
     unlimited) and what of it the process has not reserved. */
 typedef struct MA_System_memory {
+    /** Installed memory the system uses. */
     uint64_t physical_total;
+    /** Memory available to new work without swapping. */
     uint64_t physical_available;
+    /** This process's address space (see above). */
     uint64_t virtual_total;
+    /** The part of virtual_total the process has not reserved. */
     uint64_t virtual_available;
+    /** Swap space (the page file beyond memory on Windows). */
     uint64_t swap_total;
+    /** The part of swap_total not in use. */
     uint64_t swap_free;
 } MA_System_memory;
 

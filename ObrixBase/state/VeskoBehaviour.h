@@ -14,7 +14,9 @@
 class OBRIX_API VeskoBehaviour {
 public:
     VeskoBehaviour() = default;
+    /// Copies nothing: the class has no fields; subclasses copy their own.
     VeskoBehaviour(const VeskoBehaviour&) = default;
+    /// Copies nothing, as the copy constructor.
     VeskoBehaviour& operator=(const VeskoBehaviour&) = default;
     virtual ~VeskoBehaviour();
 

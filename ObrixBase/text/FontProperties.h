@@ -19,8 +19,12 @@
 
 namespace qvObrixBase {
 
+/// A font choice as the application stores it: family, size in points (a standard size),
+/// weight, style and pitch, each kept within its allowed values by the setters, with a
+/// one-line text form for preference files.
 class OBRIX_API FontProperties {
 public:
+    /// Upright, italic or slanted (oblique) faces.
     enum class Style : int { Normal = 0, Italic = 1, Oblique = 2 };
     /// Default lets the system choose; Fixed is monospaced.
     enum class Pitch : int { Default = 0, Fixed = 1, Variable = 2 };
@@ -49,10 +53,12 @@ public:
     FontProperties(qvString::CString family, double size, int weight = NormalWeight,
                    Style style = Style::Normal, Pitch pitch = Pitch::Default);
 
+    /// The family name; "" means the system's default face.
     const qvString::CString& family() const noexcept { return family_; }
     /// Any text; "" means the system's default face.
     void setFamily(qvString::CString family) { family_ = std::move(family); }
 
+    /// The size in points, always one of standardSizes().
     int size() const noexcept { return size_; }
     /// Stores snapSize(points).
     void setSize(double points) noexcept { size_ = snapSize(points); }
@@ -61,18 +67,22 @@ public:
     /// included, the largest (72).
     static int snapSize(double points) noexcept;
 
+    /// The weight, a hundred from 100 to 900.
     int weight() const noexcept { return weight_; }
     /// Stores clampWeight(weight).
     void setWeight(int weight) noexcept { weight_ = clampWeight(weight); }
     /// `weight` rounded to the nearest hundred (halves up) and kept within 100..900.
     static int clampWeight(int weight) noexcept;
+    /// True from weight 600 (semi-bold) up.
     bool isBold() const noexcept { return weight_ >= 600; }
 
+    /// The style, always one of the enumerators.
     Style style() const noexcept { return style_; }
     /// A value outside the enumeration (from a cast) becomes the nearest one: below Normal
     /// gives Normal, above Oblique gives Oblique.
     void setStyle(Style style) noexcept;
 
+    /// The pitch, always one of the enumerators.
     Pitch pitch() const noexcept { return pitch_; }
     /// As setStyle: out-of-range values become Default or Variable.
     void setPitch(Pitch pitch) noexcept;
@@ -80,6 +90,7 @@ public:
     /// Equal when every value is; family names compare without regard to ASCII case, as the
     /// system matches them ("arial" is "Arial"). Ordered by family, size, weight, style, pitch.
     friend OBRIX_API bool operator==(const FontProperties& a, const FontProperties& b) noexcept;
+    /// Orders by family (ASCII case ignored), size, weight, style and pitch, as == compares.
     friend OBRIX_API std::strong_ordering operator<=>(const FontProperties& a,
                                                       const FontProperties& b) noexcept;
 

@@ -30,7 +30,9 @@ namespace qvObrixBase {
 class OBRIX_API StatefulUndoState : public qv::ReferenceCount {
 public:
     StatefulUndoState() = default;
+    /// Copies nothing of the count: the copy is a new snapshot with its own references.
     StatefulUndoState(const StatefulUndoState&) = default;
+    /// Keeps this snapshot's reference count; subclasses copy their own state.
     StatefulUndoState& operator=(const StatefulUndoState&) = default;
     ~StatefulUndoState() override;
 

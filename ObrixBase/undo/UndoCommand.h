@@ -21,6 +21,8 @@ namespace qvObrixBase {
 /// subclass's.
 class OBRIX_API UndoCommand : public qvUndo::Command {
 public:
+    /// A command named `name` (copied) for `group`; see qvUndo::Command for how a null group is
+    /// handled.
     UndoCommand(qvUndo::Group* group, const char* name);
     ~UndoCommand() override;
 

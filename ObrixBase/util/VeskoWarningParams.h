@@ -21,6 +21,7 @@ struct VeskoWarningParams {
                                            ///< it empty
     qvString::CString kind;                ///< "warning" (or ""), "error", "info", "question"
 
+    /// Every field equal.
     friend bool operator==(const VeskoWarningParams&, const VeskoWarningParams&) = default;
 };
 

@@ -20,13 +20,15 @@ public:
     VK_Filename();
     /// Frame -1, pad width 3, then setFilename(name); a null name holds nothing.
     explicit VK_Filename(const char* name, int type = PIX_DATA);
+    /// Copies both names, the frame, pad width and type.
     VK_Filename(const VK_Filename& other);
+    /// Copies both names, the frame, pad width and type; self-assignment is harmless.
     VK_Filename& operator=(const VK_Filename& other);
     /// Frees both names.
     ~VK_Filename();
 
     /// Parses name: when its last extension is a number (after a '.' that is neither first
-    /// nor before the last separator), or a number followed by ".Z", the name is frame <n> of
+    /// nor before the last separator), or a number followed by ".Z", the name is frame `n` of
     /// the sequence named by the text before that dot; the full name is then dropped (null)
     /// and the base name kept. The pad width grows to the longest run of zeros after such a
     /// dot. Setting the name already held as full name changes nothing. A null name drops

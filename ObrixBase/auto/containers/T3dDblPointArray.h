@@ -20,9 +20,11 @@ public:
     using Tarray<T3dDblPoint>::Tarray;
     T3dDblPointArray() noexcept = default;
 
+    ///@{
     /// The coordinates as 3·length() doubles: x0, y0, z0, x1, ... (null when never grown).
     double* coordinates() noexcept { return reinterpret_cast<double*>(data()); }
     const double* coordinates() const noexcept { return reinterpret_cast<const double*>(data()); }
+    ///@}
     /// The box of all points; empty for an empty array.
     TboundingBox boundingBox() const noexcept;
     /// Moves every point by the affine product p·M (column 3 of M is not read). Returns *this.

@@ -22,8 +22,11 @@
 template <class T>
 class Tarray {
 public:
+    /// The element type.
     using value_type = T;
+    /// Iterators are plain pointers into the block: any growth moves them.
     using iterator = T*;
+    /// Read-only iterator, a plain pointer like iterator.
     using const_iterator = const T*;
 
     /// The empty array; allocates nothing.
@@ -87,6 +90,7 @@ public:
 
     /// Element i, unchecked.
     T& operator[](int i) noexcept { return data_[i]; }
+    /// Element i of a const array, unchecked.
     const T& operator[](int i) const noexcept { return data_[i]; }
     /// Element i; an index outside 0..length()-1 is a programming error: it is reported
     /// through rptError ("Tarray index 5 out of range 0..4") and the process aborts.
@@ -94,22 +98,31 @@ public:
         check(i);
         return data_[i];
     }
+    /// Element i of a const array, checked as above.
     const T& at(int i) const noexcept {
         check(i);
         return data_[i];
     }
-    /// The first and last elements; unchecked, so the array must not be empty.
+    /// The first element; unchecked, so the array must not be empty.
     T& first() noexcept { return data_[0]; }
+    /// The first element of a const array; it must not be empty.
     const T& first() const noexcept { return data_[0]; }
+    /// The last element; unchecked, so the array must not be empty.
     T& last() noexcept { return data_[length_ - 1]; }
+    /// The last element of a const array; it must not be empty.
     const T& last() const noexcept { return data_[length_ - 1]; }
 
-    /// The block (null while nothing was ever reserved) and the range of elements.
+    /// The block (null while nothing was ever reserved).
     T* data() noexcept { return data_; }
+    /// The block of a const array.
     const T* data() const noexcept { return data_; }
+    /// The first element's address (data()).
     T* begin() noexcept { return data_; }
+    /// Past the last element.
     T* end() noexcept { return data_ + length_; }
+    /// The first element's address of a const array.
     const T* begin() const noexcept { return data_; }
+    /// Past the last element of a const array.
     const T* end() const noexcept { return data_ + length_; }
 
     /// Appends a copy of v, which may be an element of this array. Amortised O(1): the block

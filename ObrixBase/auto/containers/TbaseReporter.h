@@ -35,9 +35,11 @@ public:
     /// 1 when the operation should stop as soon as it can leave its data consistent.
     int cancelled() { return cancelRequested(); }
 
+    ///@{
     /// How many warnings and errors were reported.
     int warningCount() const noexcept { return warnings_; }
     int errorCount() const noexcept { return errors_; }
+    ///@}
 
 protected:
     /// Receives a percentage from 0 to 100 that differs from the previous one.

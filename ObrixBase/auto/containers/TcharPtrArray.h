@@ -18,7 +18,9 @@ public:
     TcharPtrArray(const TcharPtrArray& a);
     /// A deep copy; *this is unchanged when the copy cannot be made.
     TcharPtrArray& operator=(const TcharPtrArray& a);
+    /// Takes over `a`'s strings; the source is left empty.
     TcharPtrArray(TcharPtrArray&&) noexcept = default;
+    /// Frees this array's strings, then takes over `a`'s.
     TcharPtrArray& operator=(TcharPtrArray&&) noexcept = default;
 
     /// String i (owned by the array), or null when null was stored; unchecked.

@@ -39,36 +39,46 @@ public:
     template <bool Const>
     class Iterator {
     public:
+        ///@{
+        /// The standard iterator traits: bidirectional, over T.
         using iterator_category = std::bidirectional_iterator_tag;
         using value_type = T;
         using difference_type = std::ptrdiff_t;
         using pointer = std::conditional_t<Const, const T*, T*>;
         using reference = std::conditional_t<Const, const T&, T&>;
+        ///@}
 
         Iterator() noexcept = default;
         /// A const iterator from a mutable one.
         template <bool C = Const, class = std::enable_if_t<C>>
         Iterator(const Iterator<false>& i) noexcept : list_(i.list_), node_(i.node_) {}
+        /// The value of the current node.
         reference operator*() const noexcept { return node_->value; }
+        /// The address of the current node's value.
         pointer operator->() const noexcept { return &node_->value; }
+        /// To the next node; past the last node is end().
         Iterator& operator++() noexcept {
             node_ = node(VK_ll_next(links(node_)));
             return *this;
         }
+        /// Post-increment: moves on, returns the old position.
         Iterator operator++(int) noexcept {
             Iterator r = *this;
             ++*this;
             return r;
         }
+        /// To the previous node; from end() to the last node.
         Iterator& operator--() noexcept {
             node_ = node_ ? node(VK_ll_prev(links(node_))) : list_->tail_;
             return *this;
         }
+        /// Post-decrement: moves back, returns the old position.
         Iterator operator--(int) noexcept {
             Iterator r = *this;
             --*this;
             return r;
         }
+        /// Same node (two end() iterators are equal).
         bool operator==(const Iterator& o) const noexcept { return node_ == o.node_; }
 
     private:
@@ -79,8 +89,13 @@ public:
         const TdblLinkedList* list_ = nullptr;
         Node* node_ = nullptr;
     };
+    ///@{
+    /// Iterators over the values in list order; a node's iterator stays valid until that node
+    /// is removed.
     using iterator = Iterator<false>;
     using const_iterator = Iterator<true>;
+    ///@}
+    /// The element type.
     using value_type = T;
 
     /// The empty list; allocates nothing.
@@ -128,16 +143,22 @@ public:
     /// 1 when there are no values.
     int isEmpty() const noexcept { return length_ == 0; }
 
+    ///@{
+    /// The range of values in list order; end() is past the last value, and decrementing it
+    /// gives the last.
     iterator begin() noexcept { return iterator(this, node(head_)); }
     iterator end() noexcept { return iterator(this, nullptr); }
     const_iterator begin() const noexcept { return const_iterator(this, node(head_)); }
     const_iterator end() const noexcept { return const_iterator(this, nullptr); }
+    ///@}
 
+    ///@{
     /// The first and last values; the list must not be empty.
     T& first() noexcept { return node(head_)->value; }
     const T& first() const noexcept { return node(head_)->value; }
     T& last() noexcept { return tail_->value; }
     const T& last() const noexcept { return tail_->value; }
+    ///@}
 
     /// Adds a copy of v at the front. O(1). Returns an iterator to it.
     iterator prepend(const T& v) { return insert(begin(), v); }
@@ -158,9 +179,11 @@ public:
         delete n;
         return iterator(this, next);
     }
+    ///@{
     /// Removes the first and the last element; the list must not be empty. O(1).
     void removeFirst() noexcept { remove(begin()); }
     void removeLast() noexcept { remove(const_iterator(this, tail_)); }
+    ///@}
     /// Removes every element equal to v (by ==). Returns how many. O(n).
     int removeAll(const T& v) noexcept {
         int removed = 0;
@@ -197,6 +220,7 @@ public:
         return iterator(this, next);
     }
 
+    ///@{
     /// The first element equal to v (by ==), or end(). O(n).
     iterator find(const T& v) noexcept {
         for (iterator i = begin(); i != end(); ++i)
@@ -207,6 +231,7 @@ public:
     const_iterator find(const T& v) const noexcept {
         return const_cast<TdblLinkedList*>(this)->find(v);
     }
+    ///@}
     /// 1 when an element equals v. O(n).
     int contains(const T& v) const noexcept { return find(v) != end(); }
 

@@ -15,9 +15,11 @@ public:
 
     /// The sum, added in index order (reproducible bit for bit); 0 when empty.
     double sum() const noexcept;
+    ///@{
     /// The smallest and largest element; NaN when empty. NaN elements are skipped.
     double minValue() const noexcept;
     double maxValue() const noexcept;
+    ///@}
     /// Sorts ascending in place (NaNs last). Returns *this.
     TdoubleArray& sortIt() noexcept;
 };

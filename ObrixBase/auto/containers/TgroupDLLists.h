@@ -13,6 +13,7 @@
 template <class T>
 class TgroupDLLists {
 public:
+    /// The list type the group holds.
     using List = TdblLinkedList<T>;
 
     /// A group of no lists.
@@ -32,11 +33,13 @@ public:
     void removeList(int i) noexcept { lists_.remove(i); }
     /// The number of lists.
     int listCount() const noexcept { return lists_.length(); }
+    ///@{
     /// List i, owned by the group.
     List& list(int i) noexcept { return *lists_[i]; }
     const List& list(int i) const noexcept { return *lists_[i]; }
     List& operator[](int i) noexcept { return list(i); }
     const List& operator[](int i) const noexcept { return list(i); }
+    ///@}
 
     /// Moves the value at `at` of list `from` to the end of list `to` without copying it;
     /// iterators to it stay valid. O(1). Returns the iterator after its old place in `from`.

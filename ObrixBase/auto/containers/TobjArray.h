@@ -17,7 +17,9 @@ class TobjArray : public TautoArrayBase {
 public:
     /// The empty array.
     TobjArray() noexcept : TautoArrayBase(&deleteObject) {}
+    /// Takes over `other`'s objects; the source is left empty.
     TobjArray(TobjArray&&) noexcept = default;
+    /// Deletes this array's objects, then takes over `other`'s.
     TobjArray& operator=(TobjArray&&) noexcept = default;
 
     /// Object i (still owned by the array); unchecked.
@@ -43,20 +45,27 @@ public:
     /// Walks the objects as T*, in order.
     class const_iterator {
     public:
+        /// The object at index `i` of `a` (end() is index length()).
         const_iterator(const TobjArray* a, int i) noexcept : a_(a), i_(i) {}
+        /// The current object (never owned by the iterator).
         T* operator*() const noexcept { return (*a_)[i_]; }
+        /// To the next object.
         const_iterator& operator++() noexcept {
             ++i_;
             return *this;
         }
+        /// Same index.
         bool operator==(const const_iterator& o) const noexcept { return i_ == o.i_; }
 
     private:
         const TobjArray* a_;
         int i_;
     };
+    ///@{
+    /// The objects in index order.
     const_iterator begin() const noexcept { return const_iterator(this, 0); }
     const_iterator end() const noexcept { return const_iterator(this, length()); }
+    ///@}
 
 private:
     static void deleteObject(void* object) { delete static_cast<T*>(object); }

@@ -14,6 +14,7 @@
 template <class T>
 class TrestrictedLinkedList {
 public:
+    /// Iterates the values, most recent first.
     using const_iterator = typename TdblLinkedList<T>::const_iterator;
 
     /// An empty list holding at most `capacity` values; a capacity below 1 is taken as 1.
@@ -55,9 +56,11 @@ public:
     int contains(const T& v) const noexcept { return list_.contains(v); }
     /// The most recent value; the list must not be empty.
     const T& first() const noexcept { return list_.first(); }
+    ///@{
     /// The values, most recent first.
     const_iterator begin() const noexcept { return list_.begin(); }
     const_iterator end() const noexcept { return list_.end(); }
+    ///@}
     /// The values as a plain list, most recent first.
     const TdblLinkedList<T>& list() const noexcept { return list_; }
 

@@ -45,9 +45,11 @@ public:
     /// 0 <= k < tupleSize().
     bool correctTuple(int k) const { return k >= 0 && k < tupleSize_; }
 
+    ///@{
     /// Coordinates per point (at least 1) and the number of whole points held.
     int tupleSize() const noexcept { return tupleSize_; }
     int points() const noexcept { return static_cast<int>(data_.length()) / tupleSize_; }
+    ///@}
 
     /// Coordinate k of every point, as a view sharing the storage (stride tupleSize()).
     DoubleVec component(int k) const;
@@ -73,11 +75,13 @@ public:
     DoubleVec vecLen() const;
     /// points * tupleSize() elements, keeping the leading points and zeroing new ones.
     void resize(int points);
+    ///@{
     /// A deep copy; rebinding to `other`'s storage; the element vector (shallow).
     TtupleVector copy() const;
     TtupleVector& reference(const TtupleVector& other);
     void deepenShallowCopy() { data_.deepenShallowCopy(); }
     const DoubleVec& data() const noexcept { return data_; }
+    ///@}
 
 private:
     int tupleSize_;

@@ -90,29 +90,50 @@ typedef struct DS_Structure {
     | 18   | allocate      | a new, empty storage root (array kind only)                     |
     | 19   | get_type      | the kind's identifier                                           | */
 typedef struct DS_Jump_table_s {
-    /* `limit` > 0 visits at most that many members (status `VK_WALK_INCOMPLETE` (11) when more
-       remain); `from_end` non-zero walks from the last member backwards. */
+    /** Slot 0: visits the visible members in order with `walker`. `limit` > 0 visits at most
+        that many members (status `VK_WALK_INCOMPLETE` (11) when more remain); `from_end`
+        non-zero walks from the last member backwards. */
     long (*walk)(DS_Structure* s, DS_Walk_fn walker, void* user, int limit, int from_end,
                  int* status);
+    /** Slot 1: counts the visible members. */
     int (*enumerate)(DS_Structure* s, int* status);
+    /** Slot 2: adds `item` by the insertion rule; filtered items are refused. */
     long (*add)(DS_Structure* s, void* item, int* status);
+    /** Slot 3: removes the node holding `item`, passing its slot to `callback`. */
     void* (*remove)(DS_Structure* s, void* item, DS_Free_fn callback, void* user, int* status);
+    /** Slot 4: sorts all members, filtered ones included, into comparator order. */
     long (*sort)(DS_Structure* s, int* status);
+    /** Slot 5: a new storage root holding the members of both. */
     void* (*merge)(DS_Structure* a, DS_Structure* b, int* status);
+    /** Slot 6: the first visible node whose item `match`es `key`. */
     void* (*find)(DS_Structure* s, DS_Match_fn match, void* key, int* status);
+    /** Slot 7: a new storage root: members of `a` absent from `b`. */
     void* (*difference)(DS_Structure* a, DS_Structure* b, int* status);
+    /** Slot 8: a new storage root: members of `a` present in `b` (a kind may leave it empty). */
     void* (*intersect)(DS_Structure* a, DS_Structure* b, int* status);
+    /** Slot 9: 1 when `item` is a visible member. */
     long (*contains_item)(DS_Structure* s, void* item, int* status);
+    /** Slot 10: the item a node holds. */
     void* (*get_data)(void* node, int* status);
+    /** Slot 11: stores `item` in a node and returns the previous one. */
     void* (*set_data)(void* node, void* item, int* status);
+    /** Slot 12: a new storage root with `copy` of each visible item. */
     void* (*duplicate)(DS_Structure* s, DS_Copy_fn copy, void* user, int* status);
+    /** Slot 13: the first visible node. */
     void* (*head)(DS_Structure* s, int* status);
+    /** Slot 14: the last visible node. */
     void* (*tail)(DS_Structure* s, int* status);
+    /** Slot 15: the visible node after `node`, or null. */
     void* (*next)(DS_Structure* s, void* node, int* status);
+    /** Slot 16: the visible node before `node`, or null. */
     void* (*prev)(DS_Structure* s, void* node, int* status);
+    /** Slot 17: frees every node, passing each slot to `callback`. */
     long (*destructor)(DS_Structure* s, DS_Free_fn callback, void* user, int* status);
+    /** Slot 18: a new empty storage root (only the array kind fills it). */
     void* (*allocate)(DS_Structure* s, int* status);
+    /** Slot 19: the kind's identifier. */
     int (*get_type)(void);
+    /** Reserved; empty in every kind. */
     void (*spare[4])(void);
 } DS_Jump_table_s;
 
