@@ -9,6 +9,7 @@
 #if defined(_MSVC_LANG)
 #define BASE_CPLUSPLUS_LEVEL _MSVC_LANG
 #else
+/** The language level to check: MSVC reports its own in _MSVC_LANG. */
 #define BASE_CPLUSPLUS_LEVEL __cplusplus
 #endif
 #if BASE_CPLUSPLUS_LEVEL < 202002L
@@ -24,6 +25,7 @@
 #define BASE_API __declspec(dllimport)
 #endif
 #else
+/** Marks what libBase exports; everything else is hidden (Windows: imported from the DLL). */
 #define BASE_API __attribute__((visibility("default")))
 #endif
 
@@ -31,6 +33,8 @@
 #if defined(__GNUC__) || defined(__clang__)
 #define BASE_PRINTF(fmt, first) __attribute__((format(printf, fmt, first)))
 #else
+/** Lets the compiler check printf-style arguments (argument `fmt` is the format, `first` the
+    first value); nothing on compilers without the attribute. */
 #define BASE_PRINTF(fmt, first)
 #endif
 

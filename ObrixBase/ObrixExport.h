@@ -10,6 +10,7 @@
 #if defined(_MSVC_LANG)
 #define OBRIX_CPLUSPLUS_LEVEL _MSVC_LANG
 #else
+/** The language level to check: MSVC reports its own in _MSVC_LANG. */
 #define OBRIX_CPLUSPLUS_LEVEL __cplusplus
 #endif
 #if OBRIX_CPLUSPLUS_LEVEL < 202002L
@@ -25,6 +26,7 @@
 #define OBRIX_API __declspec(dllimport)
 #endif
 #else
+/** Marks what libObrixBase exports; everything else is hidden (Windows: imported from the DLL). */
 #define OBRIX_API __attribute__((visibility("default")))
 #endif
 
@@ -34,6 +36,7 @@
 #if defined(_WIN32) && defined(OBRIX_BUILDING)
 #define OBRIX_MEMBER_TEMPLATE_API __declspec(dllexport)
 #else
+/** Exports a member template's explicit instantiations from the DLL on Windows; empty elsewhere. */
 #define OBRIX_MEMBER_TEMPLATE_API
 #endif
 
@@ -45,12 +48,15 @@
 #if defined(__clang__)
 #define OBRIX_INSTANTIATION_API OBRIX_API
 #else
+/** Marks explicit instantiations for export where the compiler wants it there (clang). */
 #define OBRIX_INSTANTIATION_API
 #endif
 
 /* Opens and closes C linkage in the C-interface headers. */
 #ifdef __cplusplus
+/** Opens C linkage in the C-interface headers (nothing in C). */
 #define OBRIX_EXTERN_C_BEGIN extern "C" {
+/** Closes what OBRIX_EXTERN_C_BEGIN opened. */
 #define OBRIX_EXTERN_C_END }
 #else
 #define OBRIX_EXTERN_C_BEGIN

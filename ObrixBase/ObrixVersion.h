@@ -7,10 +7,13 @@
 
 #include "ObrixBase/ObrixExport.h"
 
+/**@{*/
+/** The version of the headers in use; obrixVersionString() gives the loaded library's. */
 #define OBRIX_VERSION_MAJOR 0
 #define OBRIX_VERSION_MINOR 1
 #define OBRIX_VERSION_PATCH 0
 #define OBRIX_VERSION_STRING "0.1.0"
+/**@}*/
 /** major * 10000 + minor * 100 + patch: compares in one test (0.1.0 is 100). */
 #define OBRIX_VERSION_NUMBER                                                                       \
     (OBRIX_VERSION_MAJOR * 10000 + OBRIX_VERSION_MINOR * 100 + OBRIX_VERSION_PATCH)

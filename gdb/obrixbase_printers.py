@@ -15,7 +15,6 @@
 #                  3 {root, count} over nodes {data, left, right, parent, height}, in order;
 #                  4 {items, count, capacity}, items[i] is member i.
 import re
-import struct
 
 import gdb
 
@@ -37,6 +36,15 @@ _KIND_BY_FUNCTION = {
 }
 _VEC_NAMES = {"double": "DoubleVec", "int": "IntVec", "signed char": "SCharVec"}
 _MAT_NAMES = {"double": "DoubleGenMat", "int": "IntGenMat"}
+
+
+def _element_limit():
+    """How many elements a printed row may show: GDB's `print elements`, else MEMBER_LIMIT."""
+    try:
+        limit = gdb.parameter("print elements")
+    except RuntimeError:
+        limit = None
+    return min(limit, MEMBER_LIMIT) if limit else MEMBER_LIMIT
 
 
 def _void_pp():
@@ -77,7 +85,8 @@ class NumVecPrinter:
 
 
 class NumGenMatPrinter:
-    """DoubleGenMat 2 x 3 = {{row 0}, {row 1}}: rows as they read, whatever the storage."""
+    """DoubleGenMat 2 x 3 = {{row 0}, {row 1}}: rows as they read, whatever the storage.
+    Rows longer than `print elements` are cut there; the shape in front says how long they are."""
 
     def __init__(self, value, element_type):
         self.value = value
@@ -95,8 +104,10 @@ class NumGenMatPrinter:
         data, stride = vec["data_"], int(vec["stride_"])
         size = self.element_type.sizeof
         base = int(data.cast(gdb.lookup_type("unsigned long")))
+        # A row holds at most what GDB would show of it, so that a wide matrix is not read whole.
+        shown = min(cols, _element_limit())
         for i in range(min(rows, MEMBER_LIMIT)):
-            addresses = [base + (rows * j + i) * stride * size for j in range(cols)]
+            addresses = [base + (rows * j + i) * stride * size for j in range(shown)]
             yield "[%d]" % i, _element_array(addresses, self.element_type)
 
     def display_hint(self):

@@ -23,7 +23,7 @@ BASE_API qvUtil::Error SetEnv(const char* name, const char* value);
 /// POSIX: HOME for the running user when it is set, else the user database (getpwnam_r /
 /// getpwuid_r). Windows: USERPROFILE for the running user or one named as USERNAME names it
 /// (letter case ignored); another user's home is the directory of that name beside it
-/// (C:\Users\<user>) when it exists, since profiles of one machine share one parent.
+/// (`C:\Users\<user>`) when it exists, since profiles of one machine share one parent.
 BASE_API bool userHomeDirectory(const char* user, qvString::CString& home);
 
 } // namespace qvOS

@@ -15,20 +15,20 @@ OBRIX_EXTERN_C_BEGIN
 
 /** A typed item. The data is never owned. */
 typedef struct AN_Animtron_s {
-    /// The caller's type tag, stored as given.
+    /** The caller's type tag, stored as given. */
     int type;
-    /// The item; one AN_Animtron_s per data pointer in a list.
+    /** The item; one AN_Animtron_s per data pointer in a list. */
     void* data;
     struct AN_Animtron_s* next; /**< null when created; followed only by AN_item_list_free */
 } AN_Animtron_s;
 
 /** One node of an An_* list; its first two fields are the intrusive list links. */
 typedef struct An_Item_list_s {
-    /// Intrusive link to the previous node (null at the head).
+    /** Intrusive link to the previous node (null at the head). */
     struct An_Item_list_s* prev;
-    /// Intrusive link to the next node (null at the tail).
+    /** Intrusive link to the next node (null at the tail). */
     struct An_Item_list_s* next;
-    /// The caller's type tag, stored as given.
+    /** The caller's type tag, stored as given. */
     int type;
     void* item; /**< never null; not owned */
     void* data; /**< an opaque value; not owned */
@@ -36,11 +36,11 @@ typedef struct An_Item_list_s {
 
 /** The record An_sort_item_list sorts, one per node. */
 typedef struct An_Item_sort_s {
-    /// The node's type tag.
+    /** The node's type tag. */
     int type;
-    /// The node's item, the sort key (by address).
+    /** The node's item, the sort key (by address). */
     void* item;
-    /// The node's data.
+    /** The node's data. */
     void* data;
 } An_Item_sort_s;
 

@@ -21,6 +21,7 @@
 
 template <class T>
 class NumGenMat;
+/// The matrix class the mesh array form accepts (declared here to keep the header light).
 using DoubleGenMat = NumGenMat<double>;
 
 /// A colour with red, green, blue and opacity in [0, 1] (linear, as the writers store them).

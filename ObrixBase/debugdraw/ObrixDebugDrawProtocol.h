@@ -1,6 +1,6 @@
 // Debug drawing's switch and sink. Drawing is off by default; while it is off, OBRIX_DEBUG_DRAW
 // costs one load and one branch and evaluates none of its arguments. The environment variable
-// OBRIX_DEBUG_DRAW=<dir>, read once when the library loads, or a call to
+// `OBRIX_DEBUG_DRAW=<dir>`, read once when the library loads, or a call to
 // ObrixDebugDrawProtocol::enable switches it on: each frame sent then becomes one numbered file
 // (glTF 2.0 or OBJ) beside one self-contained HTML viewer page per run.
 //

@@ -223,6 +223,7 @@ private:
 /// Unary minus, as a new matrix.
 template <class T>
 OBRIX_API NumGenMat<T> operator-(const NumGenMat<T>& m);
+///@{
 /// Element-wise arithmetic of same-shaped matrices (`MATX_MATSIZE` (0x4004) otherwise).
 template <class T>
 OBRIX_API NumGenMat<T> operator+(const NumGenMat<T>& a, const NumGenMat<T>& b);
@@ -248,6 +249,7 @@ template <class T>
 OBRIX_API NumGenMat<T> operator/(const NumGenMat<T>& a, std::type_identity_t<T> s);
 template <class T>
 OBRIX_API NumGenMat<T> operator/(std::type_identity_t<T> s, const NumGenMat<T>& a);
+///@}
 
 /// Absolute values of every element.
 template <class T>
@@ -279,8 +281,10 @@ OBRIX_API IntGenMat toInt(const DoubleGenMat& m);
 
 /// printOn and scanFrom.
 template <class T>
+///@{
 OBRIX_API std::ostream& operator<<(std::ostream& out, const NumGenMat<T>& m);
 template <class T>
 OBRIX_API std::istream& operator>>(std::istream& in, NumGenMat<T>& m);
+///@}
 
 #endif

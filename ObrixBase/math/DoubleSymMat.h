@@ -207,6 +207,7 @@ template <class M>
 using IfPackedMatrix = std::enable_if_t<PackedMatrix<M>, int>;
 } // namespace obrix
 
+///@{
 /// Element-wise arithmetic of packed matrices of one class: it acts on the packed vectors, so
 /// * and / are element-wise, not matrix products. Order mismatches raise `MATX_MATSIZE` (0x4004).
 template <class M, obrix::IfPackedMatrix<M> = 0>
@@ -251,8 +252,10 @@ M operator*(double s, const M& a) {
 }
 template <class M, obrix::IfPackedMatrix<M> = 0>
 M operator/(const M& a, double s) {
+    ///@}
     return M(a.dataVec() / s, a.order(), a.order());
 }
+///@{
 /// The scalar on the left: s + A, s - A and s / A element by element over the stored elements.
 template <class M, obrix::IfPackedMatrix<M> = 0>
 M operator+(double s, const M& a) {
@@ -266,6 +269,10 @@ template <class M, obrix::IfPackedMatrix<M> = 0>
 M operator/(double s, const M& a) {
     return M(s / a.dataVec(), a.order(), a.order());
 }
+///@}
+///@{
+/// In-place element-wise arithmetic over the packed vectors (`MATX_MATSIZE` (0x4004) on order),
+/// and ++ / -- of every stored element.
 template <class M, obrix::IfPackedMatrix<M> = 0>
 M& operator+=(M& a, const M& b) {
     a.shapeCheck(b);
@@ -322,6 +329,7 @@ template <class M, obrix::IfPackedMatrix<M> = 0>
 M& operator--(M& a) {
     --a.dataVec();
     return a;
+    ///@}
 }
 /// Absolute value of every stored element.
 template <class M, obrix::IfPackedMatrix<M> = 0>
@@ -338,10 +346,12 @@ std::ostream& operator<<(std::ostream& out, const M& m) {
 /// (A(i, j) + A(j, i)) / 2 of a square A: the triangles are averaged (`MATX_NSQUARE` (0x400D) if
 /// not square).
 OBRIX_API DoubleSymMat toSymMat(const DoubleGenMat& a);
+///@{
 /// A x v and v x A walking the stored elements (`MATX_MATVECPROD` (0x4014), `MATX_VECMATPROD`
 /// (0x4015) on length).
 OBRIX_API DoubleVec product(const DoubleSymMat& a, const DoubleVec& v);
 OBRIX_API DoubleVec product(const DoubleVec& v, const DoubleSymMat& a);
+///@}
 /// A shallow copy: a symmetric matrix is its own transpose.
 OBRIX_API DoubleSymMat transpose(const DoubleSymMat& a);
 

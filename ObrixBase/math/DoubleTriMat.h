@@ -151,14 +151,18 @@ public:
 OBRIX_API DoubleLowerTriMat toLowerTriMat(const DoubleGenMat& a);
 /// Keeps A(i, j) for i <= j.
 OBRIX_API DoubleUpperTriMat toUpperTriMat(const DoubleGenMat& a);
+///@{
 /// Re-labels the shared packed storage as the other triangle.
 OBRIX_API DoubleUpperTriMat transpose(const DoubleLowerTriMat& a);
 OBRIX_API DoubleLowerTriMat transpose(const DoubleUpperTriMat& a);
+///@}
+///@{
 /// A x v and v x A over the stored triangle (`MATX_MATVECPROD` (0x4014), `MATX_VECMATPROD` (0x4015)
 /// on length).
 OBRIX_API DoubleVec product(const DoubleLowerTriMat& a, const DoubleVec& v);
 OBRIX_API DoubleVec product(const DoubleVec& v, const DoubleLowerTriMat& a);
 OBRIX_API DoubleVec product(const DoubleUpperTriMat& a, const DoubleVec& v);
 OBRIX_API DoubleVec product(const DoubleVec& v, const DoubleUpperTriMat& a);
+///@}
 
 #endif

@@ -316,6 +316,7 @@ private:
 /// Unary minus.
 template <class T>
 OBRIX_API NumVec<T> operator-(const NumVec<T>& v);
+///@{
 /// Element-wise arithmetic of equal-length vectors (VNMATCH otherwise); new contiguous results.
 template <class T>
 OBRIX_API NumVec<T> operator+(const NumVec<T>& a, const NumVec<T>& b);
@@ -325,6 +326,8 @@ template <class T>
 OBRIX_API NumVec<T> operator*(const NumVec<T>& a, const NumVec<T>& b);
 template <class T>
 OBRIX_API NumVec<T> operator/(const NumVec<T>& a, const NumVec<T>& b);
+///@}
+///@{
 /// Element-wise arithmetic with a scalar on either side.
 template <class T>
 OBRIX_API NumVec<T> operator+(const NumVec<T>& a, std::type_identity_t<T> s);
@@ -342,6 +345,7 @@ template <class T>
 OBRIX_API NumVec<T> operator/(const NumVec<T>& a, std::type_identity_t<T> s);
 template <class T>
 OBRIX_API NumVec<T> operator/(std::type_identity_t<T> s, const NumVec<T>& a);
+///@}
 
 /// printOn.
 template <class T>

@@ -43,6 +43,8 @@ class OBRIX_API RWFACTInit : public MathCatalogueRegistrar<RWFACTInit> {
 };
 
 namespace obrix::detail {
+/// Registers the factorisation messages before any static object of an including unit can
+/// raise one.
 static RWFACTInit factCatalogueRegistrar;
 } // namespace obrix::detail
 

@@ -231,10 +231,12 @@ class OBRIX_API RWMATXInit : public MathCatalogueRegistrar<RWMATXInit> {
 };
 
 namespace obrix::detail {
-// Each unit that includes the numeric headers holds its own registrars, so the catalogues
-// are registered before any of that unit's static objects can raise.
+///@{
+/// Each unit that includes the numeric headers holds its own registrars, so the catalogues
+/// are registered before any of that unit's static objects can raise.
 static RWMATHInit mathCatalogueRegistrar;
 static RWMATXInit matrixCatalogueRegistrar;
+///@}
 } // namespace obrix::detail
 
 #endif

@@ -52,6 +52,7 @@ OBRIX_API T minValue(const NumVec<T>& x);
 
 // ---- for DoubleVec only: the C library functions element by element, no domain checks ----
 
+///@{
 /// Each returns a new vector of f(x[i]) with the C library function of the same name.
 OBRIX_API DoubleVec acos(const DoubleVec& x);
 OBRIX_API DoubleVec asin(const DoubleVec& x);
@@ -68,6 +69,7 @@ OBRIX_API DoubleVec sinh(const DoubleVec& x);
 OBRIX_API DoubleVec sqrt(const DoubleVec& x);
 OBRIX_API DoubleVec tan(const DoubleVec& x);
 OBRIX_API DoubleVec tanh(const DoubleVec& x);
+///@}
 /// atan2(a[i], b[i]) (VNMATCH unless the lengths match).
 OBRIX_API DoubleVec atan2(const DoubleVec& a, const DoubleVec& b);
 /// pow(a[i], b[i]) (VNMATCH unless the lengths match).

@@ -35,10 +35,12 @@ OBRIX_API void redraw_add_pending_layers(int n);
 OBRIX_API void redraw_add_planes(int mask, int n);
 /** redraw_add_planes with the active (0x9C0), model (0x9F8), template (0x9FF) or window
     (0xFFF) planes and layer mark 1. */
+/**@{*/
 OBRIX_API void redraw_add_active_planes(void);
 OBRIX_API void redraw_add_model_planes(void);
 OBRIX_API void redraw_add_template_planes(void);
 OBRIX_API void redraw_add_window_planes(void);
+/**@}*/
 /** Asks for everything to be redrawn. */
 OBRIX_API void redraw_add_all(void);
 /** Removes the planes of `mask`; when no plane is left pending, the layer mark goes too. */
@@ -49,14 +51,17 @@ OBRIX_API void redraw_remove_redraw_all(void);
 OBRIX_API void redraw_reset_pending(void);
 /** The pending planes, the layer mark (0: none) and the redraw-everything flag, as noted so
     far; the redraw hook reads them before it resets them. */
+/**@{*/
 OBRIX_API int redraw_get_pending_planes(void);
 OBRIX_API int redraw_get_pending_layers(void);
 OBRIX_API bool redraw_get_pending_redraw_all(void);
+/**@}*/
 
 /** Suppresses redraw_any_pending until the matching redraw_enable. Calls nest by a counter
     without bound checks: an unmatched redraw_enable drives it negative, and redraws stay
     suppressed until it is back at 0. */
 OBRIX_API void redraw_disable(void);
+/** Undoes one redraw_disable. */
 OBRIX_API void redraw_enable(void);
 /** Calls the redraw hook when redraws are not disabled and a hook is registered, whether or
     not anything is pending; otherwise does nothing. */
@@ -67,9 +72,11 @@ OBRIX_API void redraw(int mask, int n);
 OBRIX_API void redraw_all(void);
 
 /** The process's update-pending flag, independent of the redraw state; false at load. */
+/**@{*/
 OBRIX_API void qvObrixBase_set_update_pending(void);
 OBRIX_API void qvObrixBase_clear_update_pending(void);
 OBRIX_API bool qvObrixBase_get_update_pending(void);
+/**@}*/
 
 OBRIX_EXTERN_C_END
 

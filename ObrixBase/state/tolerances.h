@@ -62,6 +62,9 @@ OBRIX_API double get_parallelity_tolerance(void); /**< 4e-05 */
 
 /* ---- setters: each stores its argument as given ---- */
 
+/**@{*/
+/** Each setter stores its argument as given, for the getter of the same name: no range
+    check here; the guarded getters apply their guard when read. */
 OBRIX_API void set_arc_stepsize_tolerance(double tolerance);
 OBRIX_API void set_checkpoint_steptype(int steptype);
 OBRIX_API void set_checkpoints(int checkpoints);
@@ -74,6 +77,7 @@ OBRIX_API void set_tol_topological_G0(double tolerance);
 OBRIX_API void set_tol_topological_G2(double tolerance);
 OBRIX_API void set_trim_crv_fit_tolerance(double tolerance);
 OBRIX_API void set_vertex_merge_tolerance(double tolerance);
+/**@}*/
 /** Takes radians and stores degrees. */
 OBRIX_API void set_continuity_angle_tolerance(double radians);
 /** Takes radians and stores degrees. */
@@ -96,14 +100,18 @@ OBRIX_API double radians_to_degrees(double x);
 
 /* ---- display globals, zero at load, set by the user-interface layer ---- */
 
+/**@{*/
+/** Display settings of the user-interface layer (0 at load); the library only keeps them. */
 OBRIX_API extern double gridmesh;
 OBRIX_API extern double persp_grid_extent;
 OBRIX_API extern double xmindim;
 OBRIX_API extern double ymindim;
 OBRIX_API extern double xmaxdim;
 OBRIX_API extern double ymaxdim;
+/**@}*/
 /** The initial point of view, a 4x4 matrix in rows. */
 OBRIX_API extern float initial_pov[4][4];
+/** The user interface's debug level (0 at load); the library only keeps it. */
 OBRIX_API extern int vesko_debug;
 
 OBRIX_EXTERN_C_END

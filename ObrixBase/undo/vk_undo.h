@@ -20,6 +20,7 @@ namespace qvUndo {
 class Group;
 }
 /* C++ callers see the manager's own group type. */
+/** The undo manager's group, as C++ callers see it. */
 typedef qvUndo::Group Undo_Group_s;
 #else
 typedef struct Undo_Group_s Undo_Group_s;

@@ -58,9 +58,9 @@ typedef struct DB_Path {
 } DB_Path;
 
 /** (Re)builds the path table from the default table and the current settings, freeing the
-    strings of an earlier build. Per row: "." is <project path><project name><sep>; ".." is
-    the project path alone; "../.." (Windows "..\..") is <working directory><sep>; any other
-    directory d is <project path><project name><sep>d<sep>, with "X:" of the current drive in
+    strings of an earlier build. Per row: "." is `<project path><project name><sep>`; ".." is
+    the project path alone; "../.." (Windows `..\..`) is `<working directory><sep>`; any other
+    directory d is `<project path><project name><sep>d<sep>`, with "X:" of the current drive in
     front on Windows when the project path is not absolute. */
 OBRIX_API void Db_init_paths(void);
 /** The first path-table row of data type `type` (building the table if it was never built);
@@ -77,24 +77,28 @@ OBRIX_API DB_Path* Db_get_default_paths(void);
     DB_PATH_BUFFER_SIZE bytes; a text longer than DB_MAX_PATH is refused with an rptError
     report and the old value is kept. They do not rebuild the path table: call Db_init_paths
     after changing the project. */
+/**@{*/
 OBRIX_API void Db_set_project_path(const char* text);
 OBRIX_API void Db_set_project_name(const char* text);
 OBRIX_API void Db_set_current_project_path(const char* text);
 OBRIX_API void Db_set_current_project_name(const char* text);
+/**@}*/
 /** The working directory that the "../.." rows (types 22 and 36) resolve to. */
 OBRIX_API void Db_set_al_cwd(const char* text);
 
 /** The stored settings ("" until set). The pointers stay valid for the process and see later
     changes. */
+/**@{*/
 OBRIX_API char* Db_get_project_path(void);
 OBRIX_API char* Db_get_project_name(void);
 OBRIX_API char* Db_get_al_cwd(void);
+/**@}*/
 /** The project extension, null when unset. */
 OBRIX_API char* Db_get_project_extension(void);
 /** Frees the old extension and stores a copy of `extension` (C heap); null clears it. */
 OBRIX_API void Db_set_project_extension(const char* extension);
 
-/** <current project path><current project name>, or <project path><project name> when the
+/** `<current project path><current project name>`, or `<project path><project name>` when the
     former is empty, in a process-wide buffer that the next call overwrites. */
 OBRIX_API char* Db_user_current_project_path(void);
 

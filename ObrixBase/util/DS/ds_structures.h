@@ -283,11 +283,13 @@ OBRIX_API int Ds_string_find(char* a, char* b);
     with their own argument types; other code that calls them through the callback types
     relies on `void *`, `void **` and `char *` being passed alike, as every supported
     platform does. */
+/**@{*/
 #define DS_DEFAULT_COMPARATOR ((DS_Compare_fn)(void (*)(void))Ds_default_comparator)
 #define DS_STRING_COMPARATOR ((DS_Compare_fn)(void (*)(void))Ds_string_comparator)
 #define DS_STRING_FIND ((DS_Match_fn)(void (*)(void))Ds_string_find)
+/**@}*/
 
-/* ---- the four kinds ----
+/** ---- the four kinds ----
    Each kind exports its table and its twenty operations as Ds_<kind>_<operation>, with the
    arguments of the table's slots. Cost per operation, n members:
      dlist (1)   add O(n) by comparator, O(1) with the FIFO/FILO comparators; prev/tail O(1).
@@ -323,10 +325,14 @@ OBRIX_API int Ds_string_find(char* a, char* b);
                                           int* status);                                            \
     OBRIX_API int Ds_##kind##_get_type(void)
 
+/**@{*/
+/** The exported operations of the four built-in kinds: Ds_dlist_*, Ds_slist_*,
+    Ds_bintree_* and Ds_array_* (costs above). */
 DS_DECLARE_KIND_OPERATIONS(dlist);
 DS_DECLARE_KIND_OPERATIONS(slist);
 DS_DECLARE_KIND_OPERATIONS(bintree);
 DS_DECLARE_KIND_OPERATIONS(array);
+/**@}*/
 
 /** The array kind's storage record, zero-filled when allocated. */
 typedef struct Ds_Array_storage_s {
