@@ -6,9 +6,9 @@
 #include <gtest/gtest.h>
 
 #include "Base/qvOS/AppMain.h"
-#include "Base/qvOS/Env.h"
 #include "Base/qvOS/File.h"
 #include "Base/qvOS/Filename.h"
+#include "tests/support/ScopedEnv.h"
 #include "tests/support/TempDir.h"
 
 using qvOS::ProcessManager;
@@ -43,10 +43,8 @@ TEST(AppMain, FindsHelpersBesideTheTestsAndHonoursTheOverride) {
     obrixtest::TempDir tmp;
     CString name = qvOS::Filename::base(path);
     ASSERT_TRUE(qvOS::fileCopy(path, tmp / name, false).isOk());
-    ASSERT_TRUE(qvOS::SetEnv("OBRIX_HELPER_DIR", tmp.path().c_str()).isOk());
-    CString overridden = helper();
-    qvOS::SetEnv("OBRIX_HELPER_DIR", nullptr);
-    EXPECT_EQ(overridden, tmp / name);
+    obrix::test::ScopedEnv helperDir("OBRIX_HELPER_DIR", tmp.path().c_str());
+    EXPECT_EQ(helper(), tmp / name);
 }
 
 TEST(ProcessManager, ArgumentsArriveVerbatimAndExitCodesComeBack) {

@@ -252,17 +252,14 @@ def browser(sample, out_dir):
             print("%s: %d drawn, %d red sample pixels (%s)" % (name, shots[name][0], shots[name][1], png))
     drawn, red = shots["all"]
     drawn_hidden, red_hidden = shots["hidden"]
-    failures = 0
-    if red < 2000:
-        print("the red sheet of layer 'surfaces' is not drawn")
-        failures += 1
-    if red_hidden > red // 100:
-        print("layer 'surfaces' is still drawn after switching it off")
-        failures += 1
-    if drawn_hidden < 200 or drawn_hidden >= drawn:
-        print("the other layers are not drawn once 'surfaces' is off")
-        failures += 1
-    return 1 if failures else 0
+    failed = [why for ok, why in (
+        (red >= 2000, "the red sheet of layer 'surfaces' is not drawn"),
+        (red_hidden <= red // 100, "layer 'surfaces' is still drawn after switching it off"),
+        (200 <= drawn_hidden < drawn, "the other layers are not drawn once 'surfaces' is off"),
+    ) if not ok]
+    for why in failed:
+        print(why)
+    return 1 if failed else 0
 
 
 def main():

@@ -1,7 +1,7 @@
 // Writes one frame with every kind of item (a mesh with normals, a transformed mesh, points from
 // a matrix, a polyline, a sampled curve, labels) far from the world origin, through the file
 // writer, and prints what was drawn as JSON for check_debugdraw.py to compare the files with.
-// Usage: debugdraw_sample <dir> gltf|gltf-separate|glb|obj [frames]
+// Usage: debugdraw_sample <dir> gltf|gltf-separate|glb
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -72,49 +72,32 @@ void drawScene(ObrixDebugDrawFrame& frame) {
     ObrixDebugDrawPen(frame, __FILE__, __LINE__).label("labels", at(0.8, 0.5, 0.1), "last hit");
 }
 
-void printJsonNumber(double v) {
-    std::printf("%.17g", v);
-}
-
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc < 3) {
-        std::fprintf(stderr, "usage: debugdraw_sample <dir> gltf|gltf-separate|glb|obj [frames]\n");
+    using Format = ObrixDebugDrawFileWriter::Format;
+    const std::string format = argc == 3 ? argv[2] : "";
+    if (format != "gltf" && format != "gltf-separate" && format != "glb") {
+        std::fprintf(stderr, "usage: debugdraw_sample <dir> gltf|gltf-separate|glb\n");
         return 2;
     }
     ObrixDebugDrawFileWriter::Options options;
-    const std::string format = argv[2];
-    if (format == "gltf")
-        options.format = ObrixDebugDrawFileWriter::Format::Gltf;
-    else if (format == "gltf-separate")
-        options.format = ObrixDebugDrawFileWriter::Format::GltfSeparate;
-    else if (format == "glb")
-        options.format = ObrixDebugDrawFileWriter::Format::Glb;
-    else if (format == "obj")
-        options.format = ObrixDebugDrawFileWriter::Format::Obj;
-    else {
-        std::fprintf(stderr, "debugdraw_sample: unknown format '%s'\n", argv[2]);
-        return 2;
-    }
-    const int frames = argc > 3 ? std::atoi(argv[3]) : 1;
+    options.format = format == "glb"    ? Format::Glb
+                     : format == "gltf" ? Format::Gltf
+                                        : Format::GltfSeparate;
     ObrixDebugDrawFileWriter writer(argv[1], options);
     ObrixDebugDrawFrame frame("every kind of item");
     drawScene(frame);
-    for (int f = 1; f <= frames; ++f) {
-        if (qvUtil::Error e = writer.writeFrame(frame, static_cast<unsigned>(f)); e.isError()) {
-            std::fprintf(stderr, "debugdraw_sample: %s\n", e.message().c_str());
-            return 1;
-        }
+    if (qvUtil::Error e = writer.writeFrame(frame, 1); e.isError()) {
+        std::fprintf(stderr, "debugdraw_sample: %s\n", e.message().c_str());
+        return 1;
     }
     // What was drawn, in model coordinates: the checker compares the files against it.
     const T3dDblPoint o = frame.origin();
     std::printf("{\"file\": \"%s\", \"viewer\": \"%s\", \"origin\": [",
                 qvOS::Filename::base(writer.framePath(1)).c_str(),
                 qvOS::Filename::base(writer.viewerPath()).c_str());
-    printJsonNumber(o.x), std::printf(","), printJsonNumber(o.y), std::printf(","),
-        printJsonNumber(o.z);
-    std::printf("], \"layers\": [");
+    std::printf("%.17g,%.17g,%.17g], \"layers\": [", o.x, o.y, o.z);
     for (std::size_t l = 0; l < frame.layers().size(); ++l)
         std::printf("%s\"%s\"", l ? ", " : "", frame.layers()[l].c_str());
     std::printf("], \"items\": [");
@@ -125,11 +108,8 @@ int main(int argc, char** argv) {
                     "\"xyz\": [",
                     i ? ", " : "", kinds[static_cast<int>(item.kind)], item.vertexCount(),
                     item.triangles.size(), item.normals.empty() ? "false" : "true");
-        for (std::size_t k = 0; k < item.xyz.size(); ++k) {
-            if (k)
-                std::printf(",");
-            printJsonNumber(item.xyz[k]);
-        }
+        for (std::size_t k = 0; k < item.xyz.size(); ++k)
+            std::printf("%s%.17g", k ? "," : "", item.xyz[k]);
         std::printf("]}");
     }
     std::printf("]}\n");

@@ -17,16 +17,12 @@
 
 using obrix::test::elements;
 using obrix::test::printed;
+using obrix::test::vecOf;
 
 namespace {
 
 template <class T>
 constexpr bool kHasMatrix = !std::is_same_v<T, signed char>;
-
-template <class T>
-NumVec<T> vecOf(std::initializer_list<T> values) {
-    return NumVec<T>(values.begin(), static_cast<unsigned>(values.size()));
-}
 
 template <class T>
 class NumericContract : public ::testing::Test {};

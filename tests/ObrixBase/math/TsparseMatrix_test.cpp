@@ -5,16 +5,12 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/MathErrorCapture.h"
+#include "tests/support/NumericTestData.h"
+
+using obrix::test::vec;
+using obrix::test::vecOf;
 
 namespace {
-
-DoubleVec vec(std::initializer_list<double> values) {
-    return DoubleVec(values.begin(), static_cast<unsigned>(values.size()));
-}
-
-IntVec ints(std::initializer_list<int> values) {
-    return IntVec(values.begin(), static_cast<unsigned>(values.size()));
-}
 
 // A column-by-column model: the dense columns that were appended.
 void expectMatches(const TsparseMatrix& s, const std::vector<DoubleVec>& model, int rows) {
@@ -38,8 +34,8 @@ TEST(TsparseMatrix, AddColRespectsCapacitiesAndGrowsExactly) {
     EXPECT_EQ(s.addCol(vec({0, 2, 0, 3}), 0), 1);
     EXPECT_EQ(s.addCol(vec({1, 0, 0, 0}), 0), 0) << "no column capacity left";
     EXPECT_EQ(s.cols(), 1);
-    EXPECT_EQ(s.addCol(ints({0, 3}), vec({5}), 1), 0) << "lengths differ";
-    EXPECT_EQ(s.addCol(ints({0, 2}), vec({5, 6}), 1), 1);
+    EXPECT_EQ(s.addCol(vecOf({0, 3}), vec({5}), 1), 0) << "lengths differ";
+    EXPECT_EQ(s.addCol(vecOf({0, 2}), vec({5, 6}), 1), 1);
     EXPECT_EQ(s.maxNumberOfCols(), 2);
     EXPECT_EQ(s.maxNumberOfNonZeros(), 4);
     EXPECT_EQ(s.element(2, 1), 6.0);

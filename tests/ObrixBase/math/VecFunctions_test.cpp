@@ -12,16 +12,9 @@
 
 using obrix::test::elements;
 using obrix::test::MathErrorCapture;
-
-namespace {
-
-DoubleVec vec(std::initializer_list<double> values) {
-    return DoubleVec(values.begin(), static_cast<unsigned>(values.size()));
-}
+using obrix::test::vec;
 
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
-
-} // namespace
 
 TEST(VecFunctions, SequencesAndReductionsFollowIndexOrder) {
     EXPECT_EQ(elements(delta(vec({5, 7, 10}))), (std::vector<double>{5, 2, 3}));

@@ -27,7 +27,6 @@ struct EditablePoint : qvObrixBase::StatefulUndoCmd {
     EditablePoint() : StatefulUndoCmd("Move point") {
         stateChanged.connect([this] { ++changes; });
     }
-    ~EditablePoint() = default;
     qv::Reference<StatefulUndoState> getState() override {
         ++snapshots;
         // A subclass sees the flags under their own names, already updated for this step.

@@ -1,5 +1,5 @@
 // Helpers of the trace log's tests: the records of a ring (live, or from a file or an image
-// of one) and a scoped environment variable.
+// of one).
 #ifndef OBRIX_TESTS_OBRIXBASE_UTIL_TRACETESTSUPPORT_H
 #define OBRIX_TESTS_OBRIXBASE_UTIL_TRACETESTSUPPORT_H
 
@@ -8,8 +8,8 @@
 
 #include <gtest/gtest.h>
 
-#include "Base/qvOS/Env.h"
 #include "ObrixBase/util/VeskoTrace.h"
+#include "tests/support/ScopedEnv.h"
 
 namespace obrix::test {
 
@@ -42,23 +42,6 @@ inline std::vector<std::string> recordsOf(const std::string& image,
     EXPECT_TRUE(error.isOk()) << error.message();
     return lines;
 }
-
-/// Sets (or with null removes) an environment variable and restores it when it dies.
-class ScopedEnv {
-public:
-    ScopedEnv(const char* name, const char* value) : name_(name) {
-        had_ = qvOS::GetEnv(name, old_);
-        qvOS::SetEnv(name, value);
-    }
-    ~ScopedEnv() { qvOS::SetEnv(name_.c_str(), had_ ? old_.c_str() : nullptr); }
-    ScopedEnv(const ScopedEnv&) = delete;
-    ScopedEnv& operator=(const ScopedEnv&) = delete;
-
-private:
-    std::string name_;
-    qvString::CString old_;
-    bool had_ = false;
-};
 
 } // namespace obrix::test
 

@@ -26,15 +26,13 @@ namespace {
 constexpr std::size_t DebugPrefix = 28;
 constexpr std::size_t MaxDebugMessage = VeskoTrace::MaxLineLength - DebugPrefix;
 
-std::string messageOf(const std::string& line) {
-    const std::size_t at = line.find("> ");
-    return at == std::string::npos ? "<no prefix>" : line.substr(at + 2);
-}
-
+// The ring's records without their date and level prefix.
 std::vector<std::string> dumpedMessages() {
     std::vector<std::string> messages = ringRecords();
-    for (std::string& line : messages)
-        line = messageOf(line);
+    for (std::string& line : messages) {
+        const std::size_t at = line.find("> ");
+        line = at == std::string::npos ? "<no prefix>" : line.substr(at + 2);
+    }
     return messages;
 }
 

@@ -160,7 +160,7 @@ TEST(DbFilename, ExpansionJoinsRelativeNamesAndCreatesTheDirectory) {
     EXPECT_EQ(expanded("\"\"", 1), pix);
 }
 
-TEST(DbFilename, UnknownTypesAndOverlongResultsLeaveOutEmpty) {
+TEST(DbFilename, UnknownTypesAndOverlongResultsLeaveOutEmptyAndJoinsStopAtTheLimit) {
     ProjectDir project;
     obrix::test::ReportCapture reports;
     EXPECT_EQ(expanded("a.pix", 5), "");
@@ -169,10 +169,7 @@ TEST(DbFilename, UnknownTypesAndOverlongResultsLeaveOutEmpty) {
               (std::vector<std::string>{"expand_filename: no project directory for data type 5",
                                         "expand_filename: a path of 10001 characters is longer "
                                         "than 260"}));
-}
-
-TEST(DbFilename, JoinStopsAtTwoHundredAndSixtyCharacters) {
-    ProjectDir project;
+    // A relative name joins only while the whole stays within 260 characters.
     const std::string pix = project.dir("pix");
     ASSERT_LT(pix.size(), 200u);
     const std::string fits(DB_MAX_PATH - pix.size(), 'n'), over = fits + "n";

@@ -8,11 +8,12 @@
 
 #include <gtest/gtest.h>
 
-#include "Base/qvOS/Env.h"
 #include "Base/qvOS/Filename.h"
 #include "tests/support/ReportCapture.h"
+#include "tests/support/ScopedEnv.h"
 #include "tests/support/TempDir.h"
 
+using obrix::test::ScopedEnv;
 using obrixtest::TempDir;
 
 namespace {
@@ -21,23 +22,6 @@ std::string taken(char* s) {
     std::unique_ptr<char, decltype(&std::free)> owner(s, &std::free);
     return s ? s : "<null>";
 }
-
-// Sets an environment variable for one scope and puts the old value back.
-class ScopedEnv {
-public:
-    ScopedEnv(const char* name, const char* value) : name_(name) {
-        had_ = qvOS::GetEnv(name, old_);
-        qvOS::SetEnv(name, value);
-    }
-    ~ScopedEnv() { qvOS::SetEnv(name_, had_ ? old_.c_str() : nullptr); }
-    ScopedEnv(const ScopedEnv&) = delete;
-    ScopedEnv& operator=(const ScopedEnv&) = delete;
-
-private:
-    const char* name_;
-    qvString::CString old_;
-    bool had_ = false;
-};
 
 // Every entry of an open directory, in the order read: (name, entry number).
 std::vector<std::pair<std::string, long>> readAll(_dir_struc* dir) {

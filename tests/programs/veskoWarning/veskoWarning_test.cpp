@@ -10,33 +10,20 @@
 #include <gtest/gtest.h>
 
 #include "Base/qvOS/AppMain.h"
-#include "Base/qvOS/Env.h"
 #include "Base/qvOS/File.h"
 #include "Base/qvOS/Filename.h"
 #include "Base/qvOS/Process.h"
 #include "ObrixBase/util/VeskoWarningParams.h"
 #include "tests/support/ReportCapture.h"
+#include "tests/support/ScopedEnv.h"
 #include "tests/support/TempDir.h"
 
+using obrix::test::ScopedEnv;
 using qvObrixBase::VeskoWarningParams;
 using qvOS::ProcessManager;
 using qvString::CString;
 
 namespace {
-
-// Sets (or with null removes) an environment variable for one scope.
-class ScopedEnv {
-public:
-    ScopedEnv(const char* name, const char* value) : name_(name), had_(qvOS::GetEnv(name, old_)) {
-        qvOS::SetEnv(name, value);
-    }
-    ~ScopedEnv() { qvOS::SetEnv(name_, had_ ? old_.c_str() : nullptr); }
-
-private:
-    const char* name_;
-    CString old_;
-    bool had_;
-};
 
 // A program's standard output, with stdin fed and the exit status in `status`.
 CString run(const CString& program, const std::vector<CString>& args, const CString& in,

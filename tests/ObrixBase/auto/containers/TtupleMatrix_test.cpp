@@ -6,13 +6,9 @@
 
 #include <gtest/gtest.h>
 
-namespace {
+#include "tests/support/NumericTestData.h"
 
-DoubleVec vec(std::initializer_list<double> values) {
-    return DoubleVec(values.begin(), static_cast<unsigned>(values.size()));
-}
-
-} // namespace
+using obrix::test::vec;
 
 TEST(TtupleMatrix, TuplesAreColumnMajorAndComponentsRoundTrip) {
     TtupleMatrix grid(2, 2, 3, DoubleVec(12, 0.0, 1.0));

@@ -4,13 +4,9 @@
 
 #include <gtest/gtest.h>
 
-namespace {
+#include "tests/support/NumericTestData.h"
 
-DoubleVec vec(std::initializer_list<double> values) {
-    return DoubleVec(values.begin(), static_cast<unsigned>(values.size()));
-}
-
-} // namespace
+using obrix::test::vec;
 
 TEST(TtupleVector, PointViewsWriteThroughToEverySharer) {
     const double raw[] = {1, 2, 3, 4, 5, 6};

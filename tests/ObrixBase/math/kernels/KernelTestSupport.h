@@ -16,13 +16,6 @@ void dgecon_(const char* norm, const int* n, const double* a, const int* lda, co
 void dspcon_(const char* uplo, const int* n, const double* ap, const int* ipiv, const double* anorm,
              double* rcond, double* work, int* iwork, int* info);
 void dsptrf_(const char* uplo, const int* n, double* ap, int* ipiv, int* info);
-void dsyev_(const char* jobz, const char* uplo, const int* n, double* a, const int* lda, double* w,
-            double* work, const int* lwork, int* info);
-void dgels_(const char* trans, const int* m, const int* n, const int* nrhs, double* a,
-            const int* lda, double* b, const int* ldb, double* work, const int* lwork, int* info);
-void dgesvd_(const char* jobu, const char* jobvt, const int* m, const int* n, double* a,
-             const int* lda, double* s, double* u, const int* ldu, double* vt, const int* ldvt,
-             double* work, const int* lwork, int* info);
 }
 #define OBRIX_REQUIRE_LAPACK() (void)0
 #else

@@ -33,9 +33,14 @@ Mat upper(const Mat& a) {
     return u;
 }
 
-} // namespace
-
-namespace {
+// A known spread of singular values: eigenvalues of a symmetric matrix, alternating in sign,
+// from 1 down to 1e-8.
+std::vector<double> spreadSpectrum(int n) {
+    std::vector<double> lambda(n);
+    for (int i = 0; i < n; ++i)
+        lambda[i] = (i % 2 ? -1.0 : 1.0) * std::pow(1e-8, n > 1 ? double(i) / (n - 1) : 0.0);
+    return lambda;
+}
 
 // Past the panel path the factorisation halves recursively; 170 reaches it.
 std::vector<int> luSizes() {
@@ -93,19 +98,6 @@ TEST(LuKernels, SolvesBothSystemsWithSmallScaledResiduals) {
         }
     }
 }
-
-namespace {
-
-// A known spread of singular values: eigenvalues of a symmetric matrix, alternating in sign,
-// from 1 down to 1e-8.
-std::vector<double> spreadSpectrum(int n) {
-    std::vector<double> lambda(n);
-    for (int i = 0; i < n; ++i)
-        lambda[i] = (i % 2 ? -1.0 : 1.0) * std::pow(1e-8, n > 1 ? double(i) / (n - 1) : 0.0);
-    return lambda;
-}
-
-} // namespace
 
 TEST(LuKernels, DeterminantAndInverseMatchTheKnownSpectrum) {
     std::mt19937 rng(13);

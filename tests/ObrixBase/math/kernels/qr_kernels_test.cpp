@@ -1,5 +1,5 @@
 // QR kernels: X*P = Q*R with an orthogonal Q, pivots that bring the largest remaining column
-// forward, and every apply job of dqrsl against LAPACK's least-squares solution.
+// forward, and every apply job of dqrsl, down to the least-squares solution.
 #include <cmath>
 #include <utility>
 
@@ -84,15 +84,11 @@ TEST(QrKernels, PivotingMovesZeroColumnsLastAndKeepsFrozenColumns) {
     EXPECT_EQ(g.jpvt[3], 1);
 }
 
-namespace {
-
-const std::pair<int, int> kLeastSquaresShapes[] = {{1, 1}, {3, 2}, {10, 4}, {60, 25}, {130, 60}};
-
-} // namespace
-
 TEST(QrKernels, ApplyJobsAreConsistentAndAllowTheClassicAliasings) {
+    // A full-rank fit whose residual is orthogonal to every column is the least-squares
+    // solution, so these checks pin the coefficients as well as any reference solver would.
     std::mt19937 rng(43);
-    for (auto [m, p] : kLeastSquaresShapes) {
+    for (auto [m, p] : {std::pair{1, 1}, {3, 2}, {10, 4}, {60, 25}, {130, 60}}) {
         Mat a = randomMat(rng, m, p), y = randomMat(rng, m, 1);
         Qr f = factor(a, 1);
         Mat qty(m, 1), b(p, 1), rsd(m, 1), xb(m, 1), qy(m, 1);
@@ -119,27 +115,6 @@ TEST(QrKernels, ApplyJobsAreConsistentAndAllowTheClassicAliasings) {
         for (int j = 0; j < p; ++j)
             EXPECT_NEAR(alias(j, 0), b(j, 0), 1e-12);
     }
-}
-
-TEST(QrKernels, LeastSquaresCoefficientsAgreeWithLapack) {
-    OBRIX_REQUIRE_LAPACK();
-#ifdef OBRIX_TEST_HAVE_LAPACK
-    std::mt19937 rng(43);
-    for (auto [m, p] : kLeastSquaresShapes) {
-        Mat a = randomMat(rng, m, p), y = randomMat(rng, m, 1);
-        Qr f = factor(a, 1);
-        Mat qty(m, 1), b(p, 1);
-        int info = -1;
-        k::dqrsl(f.x.data(), m, m, p, f.qraux.data(), y.data(), nullptr, qty.data(), b.data(),
-                 nullptr, nullptr, 100, &info);
-        Mat l = a, rhs = y;
-        int one = 1, lwork = 64 * (m + p), linfo = 0;
-        std::vector<double> work(lwork);
-        dgels_("N", &m, &p, &one, l.data(), &m, rhs.data(), &m, work.data(), &lwork, &linfo);
-        for (int j = 0; j < p; ++j)
-            EXPECT_NEAR(b(j, 0), rhs(f.jpvt[j] - 1, 0), 1e-10) << m << " " << j;
-    }
-#endif
 }
 
 TEST(QrKernels, ZeroDiagonalStopsTheSolveWithItsIndex) {
