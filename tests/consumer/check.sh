@@ -20,6 +20,8 @@ for lang in cpp c; do
 done
 "$cmake" --install "$build" --prefix "$work/prefix" >/dev/null
 libdir=$(ls -d "$work"/prefix/lib* | head -n 1)
+# The inline element access of the headers follows the library's own build option.
+cmp "$build/generated/ObrixBase/ObrixBuildOptions.h" "$work/prefix/include/ObrixBase/ObrixBuildOptions.h"
 # Consumers need nothing of Boost: no installed header may include it.
 if grep -rlE '^[[:space:]]*#[[:space:]]*include[[:space:]]*[<"]boost/' "$work/prefix/include"; then
     echo "the installed headers above include Boost" >&2
