@@ -6,6 +6,7 @@
 
 #include "ObrixBase/ObrixExport.h"
 #include "ObrixBase/ObrixVersion.h"
+#include "ObrixBase/ObrixBuildOptions.h"
 
 /* ---- C interface: memory accounting ---- */
 #include "ObrixBase/memory/ma_memory_manager.h"

@@ -21,6 +21,8 @@ foreach(tree Base ObrixBase)
           COMPONENT Development FILES_MATCHING PATTERN "*.h"
           PATTERN "*_internal.h" EXCLUDE)
 endforeach()
+install(FILES ${PROJECT_BINARY_DIR}/generated/ObrixBase/ObrixBuildOptions.h
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ObrixBase)
 
 install(EXPORT ObrixBaseTargets NAMESPACE ObrixBase::
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/ObrixBase COMPONENT Development)

@@ -42,10 +42,10 @@ set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
 Headers (C11 and C++20), the CMake package (find_package(ObrixBase)), the\n\
 pkg-config files obrixbase and obrixbase-c, and GDB pretty-printers for the\n\
 numeric and geometry classes and DS_Structure.")
-# The headers' link names point at one exact build of the runtime; the C++ headers include
-# Boost.Signals2, and consumers compile with a C++20 compiler.
+# The headers' link names point at one exact build of the runtime. No installed header
+# includes Boost (libBase keeps Boost.Signals2 inside), so consumers need only a C++20 compiler.
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
-    "${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME} (= ${PROJECT_VERSION}), libboost-dev (>= 1.74)")
+    "${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME} (= ${PROJECT_VERSION})")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS "gdb, pkg-config, cmake (>= 3.25)")
 
 # Every Debian package carries its licence as /usr/share/doc/<package>/copyright.

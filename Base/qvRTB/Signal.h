@@ -8,25 +8,50 @@
 //     changed.connect(viewer.client, [&viewer] { viewer.refresh(); });
 //     changed.send(); // calls viewer.refresh() while viewer lives, nothing afterwards
 //
-// The connections are kept by Boost.Signals2, whose signals guard their own connection lists;
-// sending is still meant for one thread at a time.
+// The connections are kept by Boost.Signals2 inside libBase, whose signals guard their own
+// connection lists; sending is still meant for one thread at a time. This header names no
+// Boost type, so including it costs a caller's build nothing of Boost.
 #ifndef BASE_QVRTB_SIGNAL_H
 #define BASE_QVRTB_SIGNAL_H
 
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <tuple>
+#include <type_traits>
 #include <utility>
-
-#include <boost/signals2/signal.hpp>
 
 #include "Base/BaseExport.h"
 
 namespace qvRTB {
 
+namespace detail {
+class SignalCore;
+}
+
 /// A handle on one connection: `disconnect()` cuts it, `connected()` tells whether it still
-/// stands. Dropping the handle leaves the connection in place.
-using Connection = boost::signals2::connection;
+/// stands. Dropping the handle leaves the connection in place; copies are handles on the same
+/// connection. A default-constructed handle refers to no connection.
+class BASE_API Connection {
+public:
+    Connection() noexcept;
+    Connection(const Connection& other) noexcept;
+    Connection& operator=(const Connection& other) noexcept;
+    ~Connection();
+
+    /// Cuts the connection: its function is not called by any later send, nor by the rest of
+    /// a send under way. Nothing when it is already cut or the handle is empty.
+    void disconnect() const;
+    /// True while the connection stands: not cut, its signal alive and its client (if any)
+    /// alive.
+    bool connected() const;
+
+private:
+    friend class detail::SignalCore;
+    // The engine's connection handle lives in place: handles are made by every connect and
+    // copied freely, and a heap block apiece would cost more than the handle itself.
+    alignas(void*) unsigned char body_[2 * sizeof(void*)];
+};
 
 /// The receiving side of connections. Functions connected through a client are cut off when
 /// the client is destroyed or `disconnectAll()` is called. A copy of a client is a new client:
@@ -50,17 +75,47 @@ private:
     std::shared_ptr<void> alive_;
 };
 
+namespace detail {
+
+/// The argument-type-free engine under every Signal<Args...>: its slots take the address of
+/// the sender's packed arguments and unpack them with the types they were connected for.
+/// Only Signal<Args...> uses it; it is exported because the typed signals are templates.
+class BASE_API SignalCore {
+public:
+    /// A connected function as the engine holds it: called with the address of the arguments.
+    using Slot = std::function<void(const void*)>;
+
+    SignalCore();
+    SignalCore(const SignalCore&) = delete;
+    SignalCore& operator=(const SignalCore&) = delete;
+    ~SignalCore();
+
+    /// Connects `slot` behind every earlier connection.
+    Connection connect(Slot slot);
+    /// Connects `slot` for as long as `tracked` has not expired.
+    Connection connect(Slot slot, const std::weak_ptr<void>& tracked);
+    /// Calls every standing slot with `arguments`, in the order of connection.
+    void send(const void* arguments) const;
+    /// The number of connections still standing.
+    std::size_t numConnections() const;
+    /// Cuts every connection.
+    void disconnectAll();
+
+private:
+    // The engine lives in place (it is itself a handle on a shared block), so a signal costs
+    // no heap block beyond the engine's own.
+    alignas(void*) unsigned char engine_[3 * sizeof(void*)];
+};
+
+} // namespace detail
+
 /// A signal carrying `Args...` to its connected functions, which are called in the order of
-/// connection. Signals are neither copied nor moved: connections refer to them.
+/// connection. A connection may be cut, or a new one made, from inside a connected function:
+/// a cut one is not called again, a new one is first called by the next send. Each function
+/// receives the arguments as a function taking `Args...` would: its own copy of every argument
+/// passed by value. Signals are neither copied nor moved: connections refer to them.
 template <class... Args>
 class Signal {
-    // Slots hold std::function rather than boost::function: the latter draws false
-    // "used uninitialized" warnings from optimising compilers into every caller's build.
-    using Impl =
-        boost::signals2::signal<void(Args...), boost::signals2::optional_last_value<void>, int,
-                                std::less<int>, std::function<void(Args...)>,
-                                std::function<void(const boost::signals2::connection&, Args...)>>;
-
 public:
     Signal() = default;
     Signal(const Signal&) = delete;
@@ -69,31 +124,50 @@ public:
     /// Connects `function` for as long as the signal lives or until the connection is cut.
     template <class F>
     Connection connect(F&& function) {
-        return impl_.connect(std::forward<F>(function));
+        return core_.connect(unpacking(std::forward<F>(function)));
     }
 
     /// Connects `function` for as long as `client` lives: when it dies, the connection is cut
     /// before any further send could reach it.
     template <class F>
     Connection connect(const SignalClient& client, F&& function) {
-        typename Impl::slot_type slot(std::forward<F>(function));
-        slot.track_foreign(std::weak_ptr<void>(client.lifetime()));
-        return impl_.connect(slot);
+        return core_.connect(unpacking(std::forward<F>(function)),
+                             std::weak_ptr<void>(client.lifetime()));
     }
 
     /// Calls every connected function with `args`, in the order of connection.
-    void send(Args... args) const { impl_(args...); }
+    void send(Args... args) const {
+        const Packed packed(args...);
+        core_.send(&packed);
+    }
     /// Same as send.
-    void operator()(Args... args) const { impl_(args...); }
+    void operator()(Args... args) const { send(args...); }
 
     /// The number of connections still standing (those whose client died are not counted).
-    std::size_t numConnections() const { return impl_.num_slots(); }
+    std::size_t numConnections() const { return core_.numConnections(); }
     /// Cuts every connection.
-    void disconnectAll() { impl_.disconnect_all_slots(); }
+    void disconnectAll() { core_.disconnectAll(); }
 
 private:
-    // Sending is logically const: it changes nothing the signal's owner can see.
-    mutable Impl impl_;
+    using Packed = std::tuple<Args&...>;
+
+    template <class F, std::size_t... I>
+    static void call(F& function, [[maybe_unused]] const Packed& args, std::index_sequence<I...>) {
+        // static_cast<Args> gives a by-value argument its own copy per function and passes a
+        // reference on as it came.
+        std::invoke(function, static_cast<Args>(std::get<I>(args))...);
+    }
+
+    template <class F>
+    static detail::SignalCore::Slot unpacking(F&& function) {
+        return
+            [function = std::decay_t<F>(std::forward<F>(function))](const void* arguments) mutable {
+                call(function, *static_cast<const Packed*>(arguments),
+                     std::index_sequence_for<Args...>{});
+            };
+    }
+
+    detail::SignalCore core_;
 };
 
 /// A signal without arguments.

@@ -10,6 +10,7 @@
 #include <iosfwd>
 #include <type_traits>
 
+#include "ObrixBase/ObrixBuildOptions.h"
 #include "ObrixBase/ObrixExport.h"
 #include "ObrixBase/math/DoubleVec.h"
 
@@ -106,27 +107,39 @@ public:
     ///@}
 
     ///@{
-    /// Unchecked element access.
-    T& operator()(int i, int j) noexcept { return vec_.data()[offset(i, j)]; }
-    T operator()(int i, int j) const noexcept { return vec_.data()[offset(i, j)]; }
+    /// Element access without a check, the inner-loop accessor; in a build with
+    /// OBRIX_CHECKED_INDEXING it checks as bcref does (`MATX_BOUNDS`).
+    T& operator()(int i, int j) noexcept(!OBRIX_CHECKED_INDEXING) {
+        if constexpr (OBRIX_CHECKED_INDEXING)
+            boundsCheck(i, j);
+        return vec_.data()[offset(i, j)];
+    }
+    T operator()(int i, int j) const noexcept(!OBRIX_CHECKED_INDEXING) {
+        if constexpr (OBRIX_CHECKED_INDEXING)
+            boundsCheck(i, j);
+        return vec_.data()[offset(i, j)];
+    }
     ///@}
     ///@{
     /// Checked element access (`MATX_BOUNDS` (0x4005)).
     T& bcref(int i, int j) {
-        boundsCheck(i, j);
+        if constexpr (!OBRIX_CHECKED_INDEXING) // operator() checks in the checking build
+            boundsCheck(i, j);
         return (*this)(i, j);
     }
     T bcval(int i, int j) const {
-        boundsCheck(i, j);
+        if constexpr (!OBRIX_CHECKED_INDEXING) // operator() checks in the checking build
+            boundsCheck(i, j);
         return (*this)(i, j);
     }
     T bcset(int i, int j, T x) {
-        boundsCheck(i, j);
+        if constexpr (!OBRIX_CHECKED_INDEXING) // operator() checks in the checking build
+            boundsCheck(i, j);
         return (*this)(i, j) = x;
     }
     ///@}
-    /// Stores x at (i, j), unchecked, and returns it.
-    T set(int i, int j, T x) noexcept { return (*this)(i, j) = x; }
+    /// Stores x at (i, j) through operator() and returns it.
+    T set(int i, int j, T x) noexcept(!OBRIX_CHECKED_INDEXING) { return (*this)(i, j) = x; }
 
     /// Row i as a view (length cols, stride rows).
     NumVec<T> row(int i) const { return NumVec<T>(vec_, i, ncols_, static_cast<int>(nrows_)); }
@@ -209,9 +222,14 @@ public:
     unsigned cols() const noexcept { return cols_.length(); }
     ///@}
     ///@{
-    /// Unchecked: matrix(rowIndices(r), colIndices(c)).
-    T& operator()(int r, int c) noexcept { return matrix_(rows_(r), cols_(c)); }
-    T operator()(int r, int c) const noexcept { return matrix_(rows_(r), cols_(c)); }
+    /// Unchecked: M(rowIndices(r), colIndices(c)); with OBRIX_CHECKED_INDEXING every step is
+    /// checked.
+    T& operator()(int r, int c) noexcept(!OBRIX_CHECKED_INDEXING) {
+        return matrix_(rows_(r), cols_(c));
+    }
+    T operator()(int r, int c) const noexcept(!OBRIX_CHECKED_INDEXING) {
+        return matrix_(rows_(r), cols_(c));
+    }
     ///@}
 
 private:

@@ -10,6 +10,7 @@
 #include <iosfwd>
 #include <type_traits>
 
+#include "ObrixBase/ObrixBuildOptions.h"
 #include "ObrixBase/ObrixExport.h"
 #include "ObrixBase/math/DoubleGenMat.h"
 #include "ObrixBase/math/DoubleVec.h"
@@ -55,6 +56,10 @@ protected:
     /// Shallow: shares the packed storage.
     DoublePackedMat(const DoublePackedMat&) noexcept = default;
     ~DoublePackedMat() = default;
+    /// Packed element k, unchecked: element access checks (i, j) itself, so that a returning
+    /// handler sees one error, not a second one from the packed vector.
+    double& stored(std::ptrdiff_t k) noexcept { return vec_.data()[k * vec_.stride()]; }
+    double stored(std::ptrdiff_t k) const noexcept { return vec_.data()[k * vec_.stride()]; }
     /// Element copy after shapeCheck.
     void assign(const DoublePackedMat& other);
     /// Raises `MATX_NSQUARE` (0x400D) (n, m) unless n == m; then order m over the packed vector
@@ -98,7 +103,8 @@ public:
     void reshape(unsigned n, unsigned m) { reshapePacked(n, m); }
     /// Checked read (`MATX_BOUNDS` (0x4005) with (i, j, n, n)).
     double bcval(int i, int j) const {
-        boundsCheck(i, j);
+        if constexpr (!OBRIX_CHECKED_INDEXING) // operator() checks in the checking build
+            boundsCheck(i, j);
         return self()(i, j);
     }
     /// f applied to every stored element, as a new matrix.
@@ -174,23 +180,36 @@ public:
                       : static_cast<std::ptrdiff_t>(i) * (i + 1) / 2 + j;
     }
     ///@{
-    /// Unchecked; (i, j) and (j, i) are the same element.
-    double& operator()(int i, int j) noexcept { return vec_(static_cast<int>(index(i, j))); }
-    double operator()(int i, int j) const noexcept { return vec_(static_cast<int>(index(i, j))); }
+    /// Unchecked (checked as bcref in a build with OBRIX_CHECKED_INDEXING); (i, j) and (j, i)
+    /// are the same element.
+    double& operator()(int i, int j) noexcept(!OBRIX_CHECKED_INDEXING) {
+        if constexpr (OBRIX_CHECKED_INDEXING)
+            boundsCheck(i, j);
+        return stored(index(i, j));
+    }
+    double operator()(int i, int j) const noexcept(!OBRIX_CHECKED_INDEXING) {
+        if constexpr (OBRIX_CHECKED_INDEXING)
+            boundsCheck(i, j);
+        return stored(index(i, j));
+    }
     ///@}
     ///@{
     /// Checked forms (`MATX_BOUNDS` (0x4005) with (i, j, n, n)).
     double& bcref(int i, int j) {
-        boundsCheck(i, j);
+        if constexpr (!OBRIX_CHECKED_INDEXING) // operator() checks in the checking build
+            boundsCheck(i, j);
         return (*this)(i, j);
     }
     double bcset(int i, int j, double x) {
-        boundsCheck(i, j);
+        if constexpr (!OBRIX_CHECKED_INDEXING)
+            boundsCheck(i, j);
         return (*this)(i, j) = x;
     }
     ///@}
-    /// Stores x at (i, j) (and so at (j, i)), unchecked, and returns it.
-    double set(int i, int j, double x) noexcept { return (*this)(i, j) = x; }
+    /// Stores x at (i, j) (and so at (j, i)) through operator() and returns it.
+    double set(int i, int j, double x) noexcept(!OBRIX_CHECKED_INDEXING) {
+        return (*this)(i, j) = x;
+    }
     /// The order-k leading block, sharing the storage (`MATX_LEADSUB` (0x4018) unless 0 <= k <= n).
     DoubleSymMat leadingSubmatrix(int k) const;
 };

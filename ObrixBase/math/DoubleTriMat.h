@@ -7,6 +7,7 @@
 
 #include <cstddef>
 
+#include "ObrixBase/ObrixBuildOptions.h"
 #include "ObrixBase/ObrixExport.h"
 #include "ObrixBase/math/DoubleSymMat.h"
 
@@ -51,25 +52,32 @@ public:
         return lower ? static_cast<std::ptrdiff_t>(i) * (i + 1) / 2 + j
                      : static_cast<std::ptrdiff_t>(j) * (j + 1) / 2 + i;
     }
-    /// Unchecked; the empty triangle gives the constant zero.
-    RODoubleRef ref(int i, int j) noexcept { return (*this)(i, j); }
+    /// Unchecked (checked as bcref in a build with OBRIX_CHECKED_INDEXING); the empty
+    /// triangle gives the constant zero.
+    RODoubleRef ref(int i, int j) noexcept(!OBRIX_CHECKED_INDEXING) { return (*this)(i, j); }
     ///@{
-    /// Unchecked; the empty triangle gives the constant zero.
-    RODoubleRef operator()(int i, int j) noexcept {
-        return RODoubleRef(stores(i, j) ? &this->vec_(static_cast<int>(index(i, j))) : nullptr);
+    /// Unchecked (checked as bcref in a build with OBRIX_CHECKED_INDEXING); the empty
+    /// triangle gives the constant zero.
+    RODoubleRef operator()(int i, int j) noexcept(!OBRIX_CHECKED_INDEXING) {
+        if constexpr (OBRIX_CHECKED_INDEXING)
+            this->boundsCheck(i, j);
+        return RODoubleRef(stores(i, j) ? &this->stored(index(i, j)) : nullptr);
     }
-    /// Unchecked read; 0 in the empty triangle.
-    double operator()(int i, int j) const noexcept {
-        return stores(i, j) ? this->vec_(static_cast<int>(index(i, j))) : 0.0;
+    /// Unchecked read (checked in the checking build); 0 in the empty triangle.
+    double operator()(int i, int j) const noexcept(!OBRIX_CHECKED_INDEXING) {
+        if constexpr (OBRIX_CHECKED_INDEXING)
+            this->boundsCheck(i, j);
+        return stores(i, j) ? this->stored(index(i, j)) : 0.0;
     }
     ///@}
     /// Checked form (`MATX_BOUNDS` (0x4005) with (i, j, n, n)).
     RODoubleRef bcref(int i, int j) {
-        this->boundsCheck(i, j);
+        if constexpr (!OBRIX_CHECKED_INDEXING) // operator() checks in the checking build
+            this->boundsCheck(i, j);
         return (*this)(i, j);
     }
-    /// Unchecked; a store into the empty triangle is ignored.
-    double set(int i, int j, double x) noexcept {
+    /// Unchecked (as operator()); a store into the empty triangle is ignored.
+    double set(int i, int j, double x) noexcept(!OBRIX_CHECKED_INDEXING) {
         (*this)(i, j) = x;
         return x;
     }
@@ -84,7 +92,8 @@ protected:
         this->boundsCheck(i, j);
         if (!stores(i, j))
             mathErrorRaise(MATX_CHANGEELEMENT, i, j, className);
-        (*this)(i, j) = x;
+        else
+            this->stored(index(i, j)) = x;
         return x;
     }
 };

@@ -10,6 +10,7 @@
 #include <iosfwd>
 #include <type_traits>
 
+#include "ObrixBase/ObrixBuildOptions.h"
 #include "ObrixBase/ObrixExport.h"
 #include "ObrixBase/math/MathError.h"
 #include "ObrixBase/math/RWBlock.h"
@@ -147,9 +148,18 @@ public:
         return data_[static_cast<std::ptrdiff_t>(i) * stride_];
     }
     ///@{
-    /// Unchecked element access.
-    T& operator()(int i) noexcept { return data_[static_cast<std::ptrdiff_t>(i) * stride_]; }
-    T operator()(int i) const noexcept { return data_[static_cast<std::ptrdiff_t>(i) * stride_]; }
+    /// Element access without a check, the inner-loop accessor; in a build with
+    /// OBRIX_CHECKED_INDEXING it checks as operator[] does.
+    T& operator()(int i) noexcept(!OBRIX_CHECKED_INDEXING) {
+        if constexpr (OBRIX_CHECKED_INDEXING)
+            boundsCheck(i);
+        return data_[static_cast<std::ptrdiff_t>(i) * stride_];
+    }
+    T operator()(int i) const noexcept(!OBRIX_CHECKED_INDEXING) {
+        if constexpr (OBRIX_CHECKED_INDEXING)
+            boundsCheck(i);
+        return data_[static_cast<std::ptrdiff_t>(i) * stride_];
+    }
     ///@}
 
     /// A view of `n` elements from `start` by `stride` (negative allowed), sharing the block;
@@ -291,9 +301,9 @@ public:
     /// The number of indices.
     unsigned length() const noexcept { return indices_.length(); }
     ///@{
-    /// Unchecked: vector(indices(k)).
-    T& operator()(int k) noexcept { return vector_(indices_(k)); }
-    T operator()(int k) const noexcept { return vector_(indices_(k)); }
+    /// Unchecked: vector(indices(k)); with OBRIX_CHECKED_INDEXING both steps are checked.
+    T& operator()(int k) noexcept(!OBRIX_CHECKED_INDEXING) { return vector_(indices_(k)); }
+    T operator()(int k) const noexcept(!OBRIX_CHECKED_INDEXING) { return vector_(indices_(k)); }
     ///@}
 
     /// Raises INDEX ("...Pick", index, vector length - 1) for the first index outside the

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <ostream>
 #include <vector>
 
 namespace {
@@ -354,4 +355,15 @@ DoubleVec product(const DoubleVec& v, const TsparseMatrix& s) {
         y(j) = sum;
     }
     return y;
+}
+
+std::ostream& operator<<(std::ostream& out, const TsparseMatrix& s) {
+    out << s.rows() << 'x' << s.cols() << " sparse [";
+    const char* separator = "";
+    for (int j = 0; j < s.cols(); ++j) {
+        const int begin = s.beginnings()(j), end = begin + s.counts()(j);
+        for (int p = begin; p < end; ++p, separator = ", ")
+            out << separator << '(' << s.indices()(p) << ", " << j << ") " << s.data()(p);
+    }
+    return out << ']';
 }

@@ -5,6 +5,7 @@
 #ifndef OBRIX_MATH_TSPARSEMATRIX_H
 #define OBRIX_MATH_TSPARSEMATRIX_H
 
+#include <iosfwd>
 #include <vector>
 
 #include "ObrixBase/ObrixExport.h"
@@ -131,5 +132,9 @@ private:
 OBRIX_API DoubleVec product(const TsparseMatrix& s, const DoubleVec& v);
 /// v x S (`MATX_VECMATPROD` (0x4015) unless v has rows() elements).
 OBRIX_API DoubleVec product(const DoubleVec& v, const TsparseMatrix& s);
+
+/// "RxC sparse [(i, j) v, ...]": the shape and the stored entries in storage order (column by
+/// column), with the stream's number format; "RxC sparse []" when nothing is stored.
+OBRIX_API std::ostream& operator<<(std::ostream& out, const TsparseMatrix& s);
 
 #endif

@@ -3,9 +3,11 @@
 
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 #include "Base/rpt/rpt.h"
+#include "ObrixBase/ObrixBuildOptions.h"
 #include "ObrixBase/memory/ma_memory_manager.h"
 #include "ObrixBase/util/DS/ds_structures.h"
 
@@ -202,6 +204,17 @@ const char* Vk_get_error_text(int code) {
 }
 
 int Vk_print_error(int code, const char* file, int line, const char* text) {
+    // The exact build reads whatever lies beside the table; the checking build stops here,
+    // where the caller's file and line still say who passed the code.
+    if constexpr (OBRIX_CHECKED_INDEXING) {
+        if (code < 0 || code >= VK_STATUS_COUNT) {
+            rptError("Vk_print_error: status code %d is outside 0 to %d (file %s, line %d)", code,
+                     VK_STATUS_COUNT - 1, orNull(file), line);
+            std::fflush(stdout);
+            std::fflush(stderr);
+            std::abort();
+        }
+    }
     rptError("ERROR %s (file %s, line %d): %s", Vk_error_text[code], orNull(file), line,
              orNull(text));
     return 1;

@@ -67,8 +67,10 @@ OBRIX_API extern int Vk_err_ignore;
 OBRIX_API const char* Vk_get_error_text(int code);
 
 /** Reports "ERROR <code text> (file <file>, line <line>): <text>" through rptError.
-    `code` indexes the text table unchecked: pass 0 to 31 only. Null `file` or `text` print as
-    "(null)". Always returns 1. */
+    `code` indexes the text table unchecked: pass 0 to 31 only. A library built with
+    OBRIX_CHECKED_INDEXING (ObrixBuildOptions.h) instead reports "Vk_print_error: status code
+    <code> is outside 0 to 31 (file <file>, line <line>)" and aborts. Null `file` or `text`
+    print as "(null)". Always returns 1. */
 OBRIX_API int Vk_print_error(int code, const char* file, int line, const char* text);
 
 /** Vk_print_error when `code` is non-zero; reports nothing for 0. Always returns 1. */

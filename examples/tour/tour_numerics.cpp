@@ -24,7 +24,7 @@ void tourNumerics() {
     std::cout << "reversed view:      " << backwards << "\n";
     std::cout << "snapshot (a copy):  " << snapshot << "\n";
     std::cout << "sum " << sum(ramp) << ", dot(evens, evens) " << dot(evens, evens)
-              << ", largest at " << maxIndex(ramp) << "\n";
+              << ", largest at index " << maxIndex(ramp) << "\n";
 
     const double a[] = {1, 2, 3, 4, 5, 6};  // column-major 2 x 3
     const double b[] = {1, 0, -1, 2, 1, 0}; // 3 x 2
@@ -38,7 +38,8 @@ void tourNumerics() {
     MathErrorHandler previous = setMathErrorHandler([](const MathError& e, va_list args) {
         char text[160];
         std::vsnprintf(text, sizeof text, mathErrorFormat(e.code), args);
-        std::cout << "handler saw 0x" << std::hex << e.code << std::dec << ": " << text << "\n";
+        std::cout << "handler saw error code 0x" << std::hex << e.code << std::dec << ": " << text
+                  << "\n";
     });
     product(left, left);
     setMathErrorHandler(previous);

@@ -34,11 +34,30 @@ public:
     std::string text;
 };
 
+// The name of a pending plane set: the four sets the redraw calls add, or a mixture.
+const char* planeSetName(int planes) {
+    switch (planes) {
+    case 0:
+        return "no planes";
+    case 0x9C0:
+        return "the active planes";
+    case 0x9F8:
+        return "the model planes";
+    case 0x9FF:
+        return "the template planes";
+    case 0xFFF:
+        return "the window planes";
+    default:
+        return "a mixture of planes";
+    }
+}
+
 // Stands in for the application's redraw: shows what is pending, then clears it.
 void showRedraw() {
-    std::printf("  redraw hook: planes 0x%X, layer mark %d, everything %s\n",
-                static_cast<unsigned>(redraw_get_pending_planes()), redraw_get_pending_layers(),
-                redraw_get_pending_redraw_all() ? "yes" : "no");
+    const int planes = redraw_get_pending_planes();
+    std::printf("  redraw hook: %s (plane bits 0x%X), from layer mark %d, %s\n",
+                planeSetName(planes), static_cast<unsigned>(planes), redraw_get_pending_layers(),
+                redraw_get_pending_redraw_all() ? "everything" : "not everything");
     redraw_reset_pending();
 }
 

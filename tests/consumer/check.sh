@@ -20,6 +20,13 @@ for lang in cpp c; do
 done
 "$cmake" --install "$build" --prefix "$work/prefix" >/dev/null
 libdir=$(ls -d "$work"/prefix/lib* | head -n 1)
+# The inline element access of the headers follows the library's own build option.
+cmp "$build/generated/ObrixBase/ObrixBuildOptions.h" "$work/prefix/include/ObrixBase/ObrixBuildOptions.h"
+# Consumers need nothing of Boost: no installed header may include it.
+if grep -rlE '^[[:space:]]*#[[:space:]]*include[[:space:]]*[<"]boost/' "$work/prefix/include"; then
+    echo "the installed headers above include Boost" >&2
+    exit 1
+fi
 
 "$cmake" -S "$here" -B "$work/cmake-build" -G Ninja -DCMAKE_PREFIX_PATH="$work/prefix" \
     -DCMAKE_CXX_COMPILER="${CXX:-c++}" -DCMAKE_CXX_FLAGS="$flags" \

@@ -1,5 +1,6 @@
 #include "ObrixBase/auto/containers/TtupleMatrix.h"
 
+#include "ObrixBase/ObrixBuildOptions.h"
 #include "ObrixBase/auto/containers/tuple_check_internal.h"
 
 namespace {
@@ -33,10 +34,14 @@ TtupleMatrix& TtupleMatrix::operator=(const TtupleMatrix& other) {
 }
 
 DoubleVec TtupleMatrix::operator()(int r, int c) {
+    if constexpr (OBRIX_CHECKED_INDEXING)
+        boundsCheck(r, c);
     return DoubleVec(data_, start(r, c), static_cast<unsigned>(tupleSize_), 1);
 }
 
 DoubleVec TtupleMatrix::operator()(int r, int c) const {
+    if constexpr (OBRIX_CHECKED_INDEXING)
+        boundsCheck(r, c);
     return DoubleVec(data_, start(r, c), static_cast<unsigned>(tupleSize_), 1).copy();
 }
 

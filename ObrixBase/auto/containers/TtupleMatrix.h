@@ -25,7 +25,8 @@ public:
     TtupleMatrix& operator=(const TtupleMatrix& other);
     ~TtupleMatrix() = default;
 
-    /// The tuple at (r, c) as a view, unchecked.
+    /// The tuple at (r, c) as a view, unchecked (checked as bcref in a build with
+    /// OBRIX_CHECKED_INDEXING).
     DoubleVec operator()(int r, int c);
     /// A copy of the tuple at (r, c), unchecked.
     DoubleVec operator()(int r, int c) const;

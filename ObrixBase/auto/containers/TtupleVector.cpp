@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "Base/rpt/rpt.h"
+#include "ObrixBase/ObrixBuildOptions.h"
 #include "ObrixBase/auto/containers/tuple_check_internal.h"
 
 namespace {
@@ -55,10 +56,14 @@ DoubleVec TtupleVector::operator[](int i) const {
 }
 
 DoubleVec TtupleVector::operator()(int i) {
+    if constexpr (OBRIX_CHECKED_INDEXING)
+        boundsCheck(i);
     return DoubleVec(data_, i * tupleSize_, static_cast<unsigned>(tupleSize_), 1);
 }
 
 DoubleVec TtupleVector::operator()(int i) const {
+    if constexpr (OBRIX_CHECKED_INDEXING)
+        boundsCheck(i);
     return DoubleVec(data_, i * tupleSize_, static_cast<unsigned>(tupleSize_), 1).copy();
 }
 

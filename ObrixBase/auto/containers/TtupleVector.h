@@ -32,7 +32,8 @@ public:
     DoubleVec operator[](int i);
     /// A copy of point i, checked as above.
     DoubleVec operator[](int i) const;
-    /// Point i as a view, unchecked.
+    /// Point i as a view, unchecked (checked as operator[] in a build with
+    /// OBRIX_CHECKED_INDEXING).
     DoubleVec operator()(int i);
     /// A copy of point i, unchecked.
     DoubleVec operator()(int i) const;
