@@ -22,7 +22,7 @@ foreach(tree Base ObrixBase)
           PATTERN "*_internal.h" EXCLUDE)
 endforeach()
 install(FILES ${PROJECT_BINARY_DIR}/generated/ObrixBase/ObrixBuildOptions.h
-        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ObrixBase)
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ObrixBase COMPONENT Development)
 
 install(EXPORT ObrixBaseTargets NAMESPACE ObrixBase::
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/ObrixBase COMPONENT Development)

@@ -34,9 +34,14 @@ class SignalCore;
 /// connection. A default-constructed handle refers to no connection.
 class BASE_API Connection {
 public:
+    /// A handle on no connection.
     Connection() noexcept;
+    ///@{
+    /// Another handle on the same connection.
     Connection(const Connection& other) noexcept;
     Connection& operator=(const Connection& other) noexcept;
+    ///@}
+    /// Drops the handle; the connection stays.
     ~Connection();
 
     /// Cuts the connection: its function is not called by any later send, nor by the rest of

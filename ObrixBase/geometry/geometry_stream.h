@@ -47,9 +47,11 @@ OBRIX_API std::ostream& operator<<(std::ostream& out, const Tplane& p);
 OBRIX_API std::ostream& operator<<(std::ostream& out, const TboundingBox& b);
 /// "(position) -> (target), twist t".
 OBRIX_API std::ostream& operator<<(std::ostream& out, const TpointTarget& p);
+///@{
 /// The matrix, as T4dDblMatrix prints it.
 OBRIX_API std::ostream& operator<<(std::ostream& out, const TxformMatrix& t);
 OBRIX_API std::ostream& operator<<(std::ostream& out, const TgenXformMatrix& t);
+///@}
 /// The parts it composes: "translation <x, y, z>, rotation (w; x, y, z), scale(x, y, z),
 /// rotate pivot (x, y, z, w), scale pivot (x, y, z, w)". The composed matrix is not built.
 OBRIX_API std::ostream& operator<<(std::ostream& out, const TpostXformMatrix& t);

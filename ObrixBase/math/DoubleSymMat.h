@@ -56,10 +56,12 @@ protected:
     /// Shallow: shares the packed storage.
     DoublePackedMat(const DoublePackedMat&) noexcept = default;
     ~DoublePackedMat() = default;
+    ///@{
     /// Packed element k, unchecked: element access checks (i, j) itself, so that a returning
     /// handler sees one error, not a second one from the packed vector.
     double& stored(std::ptrdiff_t k) noexcept { return vec_.data()[k * vec_.stride()]; }
     double stored(std::ptrdiff_t k) const noexcept { return vec_.data()[k * vec_.stride()]; }
+    ///@}
     /// Element copy after shapeCheck.
     void assign(const DoublePackedMat& other);
     /// Raises `MATX_NSQUARE` (0x400D) (n, m) unless n == m; then order m over the packed vector
