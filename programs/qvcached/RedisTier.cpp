@@ -116,8 +116,12 @@ private:
         }
         redisSetTimeout(context_, timeout);
         if (config_.database != 0) {
-            Reply selected = command({"SELECT", std::to_string(config_.database)}, error);
-            if (!selected) {
+            Reply selected(
+                static_cast<redisReply*>(redisCommand(context_, "SELECT %d", config_.database)));
+            if (!selected || selected->type == REDIS_REPLY_ERROR) {
+                error = "cannot select database " + std::to_string(config_.database) + ": " +
+                        (selected ? std::string(selected->str, selected->len)
+                                  : std::string(context_->errstr));
                 drop();
                 return false;
             }

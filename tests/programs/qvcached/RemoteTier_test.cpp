@@ -148,18 +148,21 @@ struct RemoteTier : ::testing::Test {
             GTEST_SKIP() << redis.reason();
         qvOS::SetEnv("QVCACHED_IDLE_TIMEOUT", "1");
         for (const ScratchDirectory* dir : {&one, &two})
-            dir->write("remote.conf", "url = redis://127.0.0.1:" + std::to_string(redis.port()) +
-                                          "/0\nprefix = t\ntimeout-ms = 500\nretry-after = 1\n");
+            dir->write("remote.conf",
+                       "url = " + url() + "\nprefix = t\ntimeout-ms = 500\nretry-after = 1\n");
         connect();
     }
     void TearDown() override {
         qvcachedtest::waitForServerExit(one.path);
         qvcachedtest::waitForServerExit(two.path);
     }
+    // Database 1, so that the servers' choice of database is tested too.
+    std::string url() const { return "redis://127.0.0.1:" + std::to_string(redis.port()) + "/1"; }
     void connect() {
         const timeval second{1, 0};
         client.reset(redisConnectWithTimeout("127.0.0.1", redis.port(), second));
         ASSERT_TRUE(client && !client->err);
+        ASSERT_TRUE(command({"SELECT", "1"}));
     }
     Reply command(const std::vector<std::string>& args) {
         std::vector<const char*> argv;
@@ -235,14 +238,11 @@ TEST_F(RemoteTier, AFileMadeOnOneWorkstationIsServedOnTheOtherAndCounted) {
         EXPECT_FALSE(b.find("never made"));
     }
     qvcachedtest::waitForServerExit(two.path);
-    const std::string url = "redis://127.0.0.1:" + std::to_string(redis.port()) + "/0";
-    EXPECT_EQ(stats(two.path),
-              "entries: 1\nbytes: 300000\nhits: 2\nmisses: 1\nevictions: 0\n"
-              "remote: " +
-                  url +
-                  " prefix t\nremote hits: 1\nremote misses: 1\n"
-                  "remote bytes in: 300000\nremote bytes out: 0\nremote errors: 0\n"
-                  "remote dropped: 0\n");
+    const std::string local = "entries: 1\nbytes: 300000\nhits: 2\nmisses: 1\nevictions: 0\n";
+    EXPECT_EQ(stats(two.path), local + "remote: " + url() +
+                                   " prefix t\nremote hits: 1\nremote misses: 1\n"
+                                   "remote bytes in: 300000\nremote bytes out: 0\n"
+                                   "remote errors: 0\nremote dropped: 0\n");
     qvcachedtest::waitForServerExit(one.path);
     EXPECT_NE(stats(one.path).find("remote bytes out: 300000\n"), std::string::npos);
 }
