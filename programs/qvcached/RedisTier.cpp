@@ -219,17 +219,28 @@ private:
         breaker_.failed(error);
     }
 
-    void fetchLoop() {
+    // Runs `work(job, stopping)` for each job of `queue` until the tier stops and the queue
+    // is empty; `working_` covers each job from its removal to its end, for busy().
+    template <class Job, class Work>
+    void serve(std::deque<Job>& queue, Work work) {
+        std::unique_lock<std::mutex> lock(mutex_);
         for (;;) {
-            std::unique_lock<std::mutex> lock(mutex_);
-            wake_.wait(lock, [&] { return stopping_ || !fetches_.empty(); });
-            if (fetches_.empty())
+            wake_.wait(lock, [&] { return stopping_ || !queue.empty(); });
+            if (queue.empty())
                 return;
-            FetchJob job = std::move(fetches_.front());
-            fetches_.pop_front();
+            Job job = std::move(queue.front());
+            queue.pop_front();
             const bool stopping = stopping_;
             ++working_;
             lock.unlock();
+            work(job, stopping);
+            lock.lock();
+            --working_;
+        }
+    }
+
+    void fetchLoop() {
+        serve(fetches_, [this](FetchJob& job, bool stopping) {
             // A server on its way out answers its last waiting clients at once.
             bool found = false;
             if (!stopping && breaker_.allow()) {
@@ -241,28 +252,17 @@ private:
                 }
             }
             job.done(found);
-            lock.lock();
-            --working_;
-        }
+        });
     }
 
+    // Queued writes are still made while stopping: the server waits for them before it exits.
     void storeLoop() {
-        for (;;) {
-            std::unique_lock<std::mutex> lock(mutex_);
-            wake_.wait(lock, [&] { return stopping_ || !stores_.empty(); });
-            if (stores_.empty())
-                return;
-            StoreJob job = std::move(stores_.front());
-            stores_.pop_front();
-            ++working_;
-            lock.unlock();
+        serve(stores_, [this](StoreJob& job, bool) {
             if (!breaker_.allow())
                 count(&RemoteCounters::dropped);
             else if (storeObject(job.key, job.file))
                 breaker_.succeeded();
-            lock.lock();
-            --working_;
-        }
+        });
     }
 
     // Deletes the manifest only while it still reads `text`: a writer may have replaced it
