@@ -9,6 +9,7 @@
 // manifest written wins and names chunks that are all its own. A chunk that outlives its
 // manifest is never read again and so is the first to go under allkeys-lru.
 #include <algorithm>
+#include <cerrno>
 #include <condition_variable>
 #include <cstdio>
 #include <deque>
@@ -86,7 +87,12 @@ public:
             reply.reset(static_cast<redisReply*>(redisCommandArgv(
                 context_, static_cast<int>(args.size()), argv.data(), lengths.data())));
             if (!reply) {
-                error = context_->errstr[0] ? context_->errstr : "no reply";
+                // hiredis reports a read that ran out of time as the system's EAGAIN.
+                const bool timedOut =
+                    context_->err == REDIS_ERR_IO && (errno == EAGAIN || errno == EWOULDBLOCK);
+                error = config_.host + ":" + std::to_string(config_.port) + ": " +
+                        (timedOut ? "no answer within " + std::to_string(config_.timeoutMs) + " ms"
+                                  : std::string(context_->errstr));
                 drop();
                 if (fresh)
                     return nullptr;
