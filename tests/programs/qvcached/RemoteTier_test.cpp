@@ -303,7 +303,7 @@ TEST_F(RemoteTier, CorruptOrIncompleteObjectsAreMissesAndAreDeleted) {
 TEST_F(RemoteTier, ARedisKilledMidTransferThenRestartedCostsMissesAndOneWarning) {
     // The applications let go of their caches while redis-server restarts, so that it does
     // not inherit their connections; the servers stay up meanwhile.
-    qvOS::SetEnv("QVCACHED_IDLE_TIMEOUT", "4");
+    qvOS::SetEnv("QVCACHED_IDLE_TIMEOUT", "2");
     const std::string big = content(48u << 20, 3);
     {
         FileCache a, b;
