@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian 12 packages that a task needs, and nothing when they are all there.
-# Usage: scripts/deps.sh build|test|docs|desktop|bench|fuzz|windows|browser|npm ...
+# Usage: scripts/deps.sh build|test|docs|desktop|cache|bench|fuzz|windows|browser|npm ...
 set -euo pipefail
 
 packages_for() {
@@ -13,6 +13,9 @@ packages_for() {
     docs)  echo "doxygen" ;;
     # The warning box's GTK dialog, and the X server, input and screenshot tools of its test.
     desktop) echo "libgtk-3-dev xvfb xdotool imagemagick" ;;
+    # The cache server's Redis tier: the client library, SHA-256 from OpenSSL's libcrypto, and
+    # the server its tests start on loopback.
+    cache) echo "libhiredis-dev libssl-dev redis-server" ;;
     bench) echo "libbenchmark-dev libeigen3-dev liblapack-dev libopenblas-dev" ;;
     fuzz)  echo "clang libclang-rt-14-dev" ;;
     # The Windows leg: the mingw-w64 cross compiler with the posix thread model, Wine to run

@@ -27,6 +27,21 @@ void bindText(sqlite3_stmt* s, int index, const std::string& text) {
     sqlite3_bind_text(s, index, text.data(), static_cast<int>(text.size()), SQLITE_TRANSIENT);
 }
 
+// The counters' rows in the counters table.
+struct CounterName {
+    const char* name;
+    std::int64_t IndexCounters::*field;
+};
+constexpr CounterName CounterNames[] = {{"hits", &IndexCounters::hits},
+                                        {"misses", &IndexCounters::misses},
+                                        {"evictions", &IndexCounters::evictions},
+                                        {"remote_hits", &IndexCounters::remoteHits},
+                                        {"remote_misses", &IndexCounters::remoteMisses},
+                                        {"remote_bytes_in", &IndexCounters::remoteBytesIn},
+                                        {"remote_bytes_out", &IndexCounters::remoteBytesOut},
+                                        {"remote_errors", &IndexCounters::remoteErrors},
+                                        {"remote_dropped", &IndexCounters::remoteDropped}};
+
 std::string columnText(sqlite3_stmt* s, int column) {
     const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(s, column));
     return std::string(text ? text : "", static_cast<std::size_t>(sqlite3_column_bytes(s, column)));
@@ -92,12 +107,9 @@ qvUtil::Error CacheIndex::load(std::vector<IndexEntry>& entries, IndexCounters& 
     while ((rc = sqlite3_step(raw)) == SQLITE_ROW) {
         const std::string name = columnText(raw, 0);
         const std::int64_t value = sqlite3_column_int64(raw, 1);
-        if (name == "hits")
-            counters.hits = value;
-        else if (name == "misses")
-            counters.misses = value;
-        else if (name == "evictions")
-            counters.evictions = value;
+        for (const auto& [known, field] : CounterNames)
+            if (name == known)
+                counters.*field = value;
     }
     return rc == SQLITE_DONE ? qvUtil::Error() : fail("load counters");
 }
@@ -123,12 +135,10 @@ qvUtil::Error CacheIndex::saveCounters(const IndexCounters& counters) {
                            &raw, nullptr) != SQLITE_OK)
         return fail("counters");
     Statement save(raw);
-    const std::pair<const char*, std::int64_t> values[] = {
-        {"hits", counters.hits}, {"misses", counters.misses}, {"evictions", counters.evictions}};
-    for (const auto& [name, value] : values) {
+    for (const auto& [name, field] : CounterNames) {
         sqlite3_reset(raw);
         sqlite3_bind_text(raw, 1, name, -1, SQLITE_STATIC);
-        sqlite3_bind_int64(raw, 2, value);
+        sqlite3_bind_int64(raw, 2, counters.*field);
         if (sqlite3_step(raw) != SQLITE_DONE)
             return fail("counters");
     }

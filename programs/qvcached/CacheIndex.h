@@ -33,6 +33,13 @@ struct IndexCounters {
     std::int64_t hits = 0;
     std::int64_t misses = 0;
     std::int64_t evictions = 0;
+    // The remote tier's work, summed over every run of the server (see RemoteCounters).
+    std::int64_t remoteHits = 0;
+    std::int64_t remoteMisses = 0;
+    std::int64_t remoteBytesIn = 0;
+    std::int64_t remoteBytesOut = 0;
+    std::int64_t remoteErrors = 0;
+    std::int64_t remoteDropped = 0;
 };
 
 /// The index database. Every call returns SQLite's error text (with the database's path) as

@@ -18,8 +18,10 @@
 
 #include "Base/qvOS/FileLock.h"
 #include "Base/qvOS/Process.h"
+#include "Base/qvOS/Uuid.h"
 #include "ObrixBase/filecache/FileCacheProtocol.h"
 #include "programs/qvcached/CacheStore.h"
+#include "programs/qvcached/RemoteTier.h"
 #include "programs/qvcached/WireFormat.h"
 
 namespace qvcached {
@@ -60,6 +62,8 @@ public:
 
     void start() { read(); }
     void close();
+    /// Sends the reply to the request that handle() left waiting, then goes on with the rest.
+    void resume(const std::string& reply);
 
 private:
     void read();
@@ -73,6 +77,10 @@ private:
     std::size_t begin_ = 0, end_ = 0;
     std::string out_, sending_;
     bool writing_ = false, paused_ = false, closed_ = false;
+    bool reading_ = false;
+    // A request waits for the remote tier; later ones wait behind it, so replies keep their
+    // order.
+    bool waiting_ = false;
 };
 
 // Passes bytes both ways between a client and the owning server, unchanged, until either
@@ -196,7 +204,9 @@ public:
         ownerSocket_.reset();
     }
 
-    void handle(ConnectionId id, const Request& request, std::string& out) {
+    // Appends the reply to `out`, or returns false when the reply must wait for the remote
+    // tier: the connection then gets it through resume().
+    bool handle(ConnectionId id, const Request& request, std::string& out) {
         switch (request.code) {
         case FileCacheRequest::Initialize: {
             if (role_ != Role::Owner) {
@@ -218,15 +228,22 @@ public:
         case FileCacheRequest::Acquire: {
             std::string path;
             std::int64_t time = 0;
-            const bool found = store_ && store_->acquire(id, request.text, path, time);
-            putString(out, path);
-            putInt64(out, time);
-            putBool(out, found);
+            const bool found = store_ && store_->acquire(id, request.text, path, time, !tier_);
+            if (!found && tier_) {
+                fetch(id, request.text);
+                return false;
+            }
+            putAcquireReply(out, found, path, time);
             break;
         }
-        case FileCacheRequest::Add:
-            putBool(out, store_ && store_->add(id, request.text, request.path));
+        case FileCacheRequest::Add: {
+            const bool known = store_ && store_->contains(request.text);
+            const bool added = store_ && store_->add(id, request.text, request.path);
+            if (added && !known && tier_)
+                tier_->store(request.text, directory_ / fs::path(request.path).filename());
+            putBool(out, added);
             break;
+        }
         case FileCacheRequest::Release:
             putBool(out, store_ && store_->release(id, request.text, request.flag));
             break;
@@ -236,6 +253,7 @@ public:
             putInt(out, 0);
             break;
         }
+        return true;
     }
 
     // The connection handed its socket to a relay: it leaves without releasing anything,
@@ -252,15 +270,77 @@ public:
             io_.stop();
             return;
         }
+        waitForIdle(options_.idleSeconds);
+    }
+
+private:
+    static void putAcquireReply(std::string& out, bool found, const std::string& path,
+                                std::int64_t time) {
+        putString(out, path);
+        putInt64(out, time);
+        putBool(out, found);
+    }
+
+    void waitForIdle(double seconds) {
         idleTimer_.expires_after(std::chrono::duration_cast<std::chrono::steady_clock::duration>(
-            std::chrono::duration<double>(options_.idleSeconds)));
+            std::chrono::duration<double>(seconds)));
         idleTimer_.async_wait([this](const boost::system::error_code& ec) {
             if (!ec)
                 onIdle();
         });
     }
 
-private:
+    // Asks the remote tier for `key` on behalf of `id`; clients asking for a key already
+    // on its way wait for the same fetch.
+    void fetch(ConnectionId id, const std::string& key) {
+        std::vector<ConnectionId>& waiting = fetching_[key];
+        waiting.push_back(id);
+        if (waiting.size() > 1)
+            return;
+        const std::string name = qvOS::Uuid().asString().c_str();
+        tier_->fetch(key, directory_ / name, [this, key, name](bool found) {
+            asio::post(io_, [this, key, name, found] { fetched(key, name, found); });
+        });
+    }
+
+    // A fetched file becomes an entry like any added one, and every waiting client gets the
+    // reply a local lookup gives now.
+    void fetched(const std::string& key, const std::string& name, bool found) {
+        const std::vector<ConnectionId> waiting = std::move(fetching_[key]);
+        fetching_.erase(key);
+        if (found && !store_->adopt(key, name)) {
+            std::error_code ec; // added by a client meanwhile, or the index is unwritable
+            fs::remove(directory_ / name, ec);
+        }
+        for (ConnectionId id : waiting) {
+            auto it = connections_.find(id);
+            if (it == connections_.end())
+                continue;
+            std::string path, out;
+            std::int64_t time = 0;
+            const bool hit = store_->acquire(id, key, path, time);
+            putAcquireReply(out, hit, path, time);
+            it->second->resume(out);
+        }
+    }
+
+    // Where remote.conf names a tier, starts it; a tier that cannot start (bad configuration,
+    // a build without one) leaves a line in the log and the cache local.
+    void startRemoteTier() {
+        auto log = [dir = directory_](const std::string& line) { appendServerLog(dir, line); };
+        std::optional<RemoteConfig> config;
+        qvUtil::Error err = loadRemoteConfig(directory_, config);
+        if (err.isOk() && config)
+            tier_ = makeRemoteTier(*config, log, err);
+        if (err.isError())
+            log(std::string("remote tier off: ") + err.message().c_str());
+    }
+
+    void collectRemoteCounters() {
+        if (tier_)
+            store_->addRemoteCounters(tier_->takeCounters());
+    }
+
     Role fail(std::string reason) {
         failure_ = std::move(reason);
         return role_ = Role::Failed;
@@ -286,6 +366,7 @@ private:
             return fail("cannot listen on the loopback interface: " + ec.message());
         }
         port_ = acceptor_->local_endpoint().port();
+        startRemoteTier();
         publish();
         accept();
         housekeeping();
@@ -339,6 +420,7 @@ private:
         houseTimer_.async_wait([this](const boost::system::error_code& ec) {
             if (ec)
                 return;
+            collectRemoteCounters();
             store_->flush();
             // A client that read an older owner's port may have deleted this owner's lock
             // file after failing to connect; later clients would then start needless servers.
@@ -351,6 +433,10 @@ private:
     void onIdle() {
         if (!connections_.empty())
             return;
+        // Write-throughs still queued would be lost with the process; they are bounded by the
+        // tier's timeouts and end at once while it rests.
+        if (!fetching_.empty() || (tier_ && tier_->busy()))
+            return waitForIdle(0.1);
         withdraw();
         // A client that read the lock file just before it went may already be queued: take
         // it and stay.
@@ -373,6 +459,9 @@ private:
         boost::system::error_code ignored;
         acceptor_->close(ignored);
         houseTimer_.cancel();
+        if (tier_)
+            tier_->stop();
+        collectRemoteCounters();
         store_->flush();
         lock_.unlock();
         io_.stop();
@@ -400,6 +489,10 @@ private:
     int port_ = 0;
     ConnectionId nextId_ = 1;
     std::map<ConnectionId, std::shared_ptr<Connection>> connections_;
+    // Declared after io_ so that its threads are joined before io_ goes.
+    std::unique_ptr<RemoteTier> tier_;
+    // Keys being fetched, with the clients waiting for each.
+    std::map<std::string, std::vector<ConnectionId>> fetching_;
 };
 
 void Connection::close() {
@@ -411,7 +504,18 @@ void Connection::close() {
     server_.connectionClosed(id_);
 }
 
+void Connection::resume(const std::string& reply) {
+    if (closed_)
+        return;
+    waiting_ = false;
+    out_ += reply;
+    process();
+}
+
 void Connection::read() {
+    if (reading_)
+        return;
+    reading_ = true;
     if (begin_ == end_)
         begin_ = end_ = 0;
     if (in_.size() - end_ < ReadChunk) {
@@ -426,6 +530,7 @@ void Connection::read() {
     auto self = shared_from_this();
     socket_.async_read_some(asio::buffer(in_.data() + end_, in_.size() - end_),
                             [self](const boost::system::error_code& ec, std::size_t n) {
+                                self->reading_ = false;
                                 if (ec)
                                     return self->close();
                                 self->end_ += n;
@@ -434,7 +539,7 @@ void Connection::read() {
 }
 
 void Connection::process() {
-    while (!closed_) {
+    while (!closed_ && !waiting_) {
         Request request;
         std::size_t used = 0;
         const DecodeStatus status =
@@ -456,15 +561,20 @@ void Connection::process() {
             return;
         }
         begin_ += used;
-        server_.handle(id_, request, out_);
+        waiting_ = !server_.handle(id_, request, out_);
     }
     if (closed_)
         return;
     flush();
-    if (out_.size() + sending_.size() > MaxPendingOutput)
+    // A waiting connection still reads, to see its client leave, but buffers no more than
+    // a writer that is not read from may leave waiting.
+    if (out_.size() + sending_.size() > MaxPendingOutput ||
+        (waiting_ && end_ - begin_ > MaxPendingOutput)) {
         paused_ = true;
-    else
+    } else {
+        paused_ = false;
         read();
+    }
 }
 
 void Connection::flush() {
@@ -474,18 +584,18 @@ void Connection::flush() {
     sending_.swap(out_);
     out_.clear();
     auto self = shared_from_this();
-    asio::async_write(socket_, asio::buffer(sending_),
-                      [self](const boost::system::error_code& ec, std::size_t) {
-                          self->writing_ = false;
-                          self->sending_.clear();
-                          if (ec)
-                              return self->close();
-                          self->flush();
-                          if (self->paused_ && self->out_.size() < MaxPendingOutput) {
-                              self->paused_ = false;
-                              self->read();
-                          }
-                      });
+    asio::async_write(
+        socket_, asio::buffer(sending_), [self](const boost::system::error_code& ec, std::size_t) {
+            self->writing_ = false;
+            self->sending_.clear();
+            if (ec)
+                return self->close();
+            self->flush();
+            if (self->paused_ && self->out_.size() < MaxPendingOutput && !self->waiting_) {
+                self->paused_ = false;
+                self->read();
+            }
+        });
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "Base/qvOS/SystemInfo.h"
+#include "programs/qvcached/RemoteTier.h"
 
 namespace fs = std::filesystem;
 
@@ -26,9 +27,10 @@ std::int64_t CacheStore::now() {
 }
 
 bool CacheStore::isServerFile(const std::string& name) {
-    static const char* const own[] = {"lockfile.lck",        "owner.lck",        "owner.port",
-                                      "index.sqlite",        "index.sqlite-wal", "index.sqlite-shm",
-                                      "index.sqlite-journal"};
+    static const char* const own[] = {
+        "lockfile.lck",         "owner.lck",        "owner.port",
+        "index.sqlite",         "index.sqlite-wal", "index.sqlite-shm",
+        "index.sqlite-journal", "remote.conf",      "qvcached.log"};
     for (const char* n : own)
         if (name == n)
             return true;
@@ -80,11 +82,11 @@ void CacheStore::setLimits(std::int64_t maxEntries, std::int64_t maxBytes) {
 }
 
 bool CacheStore::acquire(ConnectionId connection, const std::string& key, std::string& path,
-                         std::int64_t& accessTime) {
+                         std::int64_t& accessTime, bool countMiss) {
     auto it = entries_.find(key);
     countersDirty_ = true;
     if (it == entries_.end()) {
-        ++counters_.misses;
+        counters_.misses += countMiss;
         return false;
     }
     Entry& entry = it->second;
@@ -95,7 +97,7 @@ bool CacheStore::acquire(ConnectionId connection, const std::string& key, std::s
     const bool intact = !ec && fs::is_regular_file(status) &&
                         fs::file_size(filePath(entry), ec) == entry.data.size && !ec;
     if (!intact) {
-        ++counters_.misses;
+        counters_.misses += countMiss;
         discard({&entry}, false);
         return false;
     }
@@ -139,8 +141,12 @@ bool CacheStore::add(ConnectionId connection, const std::string& key, const std:
     if (qvOS::queryDiskSpace(directory_.string(), freeBytes, totalBytes).isOk() &&
         freeBytes < MinFreeBytes)
         return false;
+    return insert(key, name, static_cast<std::uint64_t>(size), &connection);
+}
 
-    IndexEntry data{key, name, static_cast<std::uint64_t>(size), now(), ++lastUse_};
+bool CacheStore::insert(const std::string& key, const std::string& name, std::uint64_t size,
+                        const ConnectionId* connection) {
+    IndexEntry data{key, name, size, now(), ++lastUse_};
     if (index_.insert(data).isError())
         return false;
     Entry& entry = entries_[key];
@@ -148,9 +154,40 @@ bool CacheStore::add(ConnectionId connection, const std::string& key, const std:
     entry.lru = lru_.insert(lru_.end(), &entry);
     keyByFile_[name] = key;
     totalBytes_ += entry.data.size;
-    hold(connection, entry);
+    if (connection)
+        hold(*connection, entry);
     evictToLimits();
     return true;
+}
+
+bool CacheStore::adopt(const std::string& key, const std::string& name) {
+    if (entries_.count(key) || keyByFile_.count(name) || isServerFile(name))
+        return false;
+    std::error_code ec;
+    const fs::path file = directory_ / name;
+    if (!fs::is_regular_file(fs::symlink_status(file, ec)) || ec)
+        return false;
+    const std::uintmax_t size = fs::file_size(file, ec);
+    return !ec && size > 0 && insert(key, name, static_cast<std::uint64_t>(size), nullptr);
+}
+
+void CacheStore::countMiss() {
+    ++counters_.misses;
+    countersDirty_ = true;
+}
+
+void CacheStore::addRemoteCounters(const RemoteCounters& delta) {
+    const std::pair<std::int64_t IndexCounters::*, std::int64_t> sums[] = {
+        {&IndexCounters::remoteHits, delta.hits},
+        {&IndexCounters::remoteMisses, delta.misses},
+        {&IndexCounters::remoteBytesIn, delta.bytesIn},
+        {&IndexCounters::remoteBytesOut, delta.bytesOut},
+        {&IndexCounters::remoteErrors, delta.errors},
+        {&IndexCounters::remoteDropped, delta.dropped}};
+    for (const auto& [field, amount] : sums) {
+        counters_.*field += amount;
+        countersDirty_ = countersDirty_ || amount != 0;
+    }
 }
 
 bool CacheStore::release(ConnectionId connection, const std::string& key, bool removeFile) {

@@ -23,6 +23,8 @@
 
 namespace qvcached {
 
+struct RemoteCounters;
+
 /// Tells the client connections apart; the store never reuses one.
 using ConnectionId = std::uint64_t;
 
@@ -38,11 +40,23 @@ public:
     void setLimits(std::int64_t maxEntries, std::int64_t maxBytes);
 
     /// The request handlers; see FileCacheProtocol for what each means to the client.
+    /// `countMiss` false leaves a miss uncounted, for a caller that asks further first and
+    /// counts the outcome itself (countMiss, or a later acquire's hit).
     bool acquire(ConnectionId connection, const std::string& key, std::string& path,
-                 std::int64_t& accessTime);
+                 std::int64_t& accessTime, bool countMiss = true);
     bool add(ConnectionId connection, const std::string& key, const std::string& path);
     bool release(ConnectionId connection, const std::string& key, bool removeFile);
     void setAccessed(const std::string& key);
+    /// Counts one miss (see acquire's countMiss).
+    void countMiss();
+    /// Indexes `name`, a file already complete in the cache directory, under `key` without
+    /// holding it. False, leaving the file alone, when the key or the file is already indexed,
+    /// the file is empty or not a regular file, or the index cannot be written.
+    bool adopt(const std::string& key, const std::string& name);
+    /// True when `key` has an entry (whether or not its file is still intact).
+    bool contains(const std::string& key) const { return entries_.count(key) != 0; }
+    /// Adds the remote tier's latest counts to the counters saved at the next flush.
+    void addRemoteCounters(const RemoteCounters& delta);
     /// Ends every hold of a connection that went away, as if it had released each.
     void dropConnection(ConnectionId connection);
 
@@ -72,6 +86,9 @@ private:
     static std::int64_t now();
     void touch(Entry& entry, std::int64_t time);
     void hold(ConnectionId connection, Entry& entry);
+    /// Indexes a checked file of `size` bytes, held by `connection` unless it is null.
+    bool insert(const std::string& key, const std::string& name, std::uint64_t size,
+                const ConnectionId* connection);
     /// Takes entries out of the index and memory, then deletes their files.
     void discard(const std::vector<Entry*>& gone, bool evicted);
     void evictToLimits();

@@ -1,6 +1,9 @@
 #include "programs/qvcached/OperatorCommands.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <iterator>
+#include <optional>
 #include <ostream>
 #include <vector>
 
@@ -8,6 +11,7 @@
 #include "ObrixBase/filecache/FileCacheProtocol.h"
 #include "programs/qvcached/CacheIndex.h"
 #include "programs/qvcached/CacheStore.h"
+#include "programs/qvcached/RemoteTier.h"
 
 namespace fs = std::filesystem;
 
@@ -49,6 +53,28 @@ int printStats(const std::string& directory, std::ostream& out, std::string& err
         bytes += entry.size;
     out << "entries: " << entries.size() << "\nbytes: " << bytes << "\nhits: " << counters.hits
         << "\nmisses: " << counters.misses << "\nevictions: " << counters.evictions << "\n";
+    // The remote lines appear once a tier is configured or has ever worked, so a purely
+    // local cache reports as it always did.
+    std::optional<RemoteConfig> remote;
+    const qvUtil::Error err = loadRemoteConfig(directory, remote);
+    const std::int64_t remoteCounts[] = {counters.remoteHits,    counters.remoteMisses,
+                                         counters.remoteBytesIn, counters.remoteBytesOut,
+                                         counters.remoteErrors,  counters.remoteDropped};
+    if (err.isOk() && !remote &&
+        std::all_of(std::begin(remoteCounts), std::end(remoteCounts),
+                    [](std::int64_t n) { return n == 0; }))
+        return 0;
+    if (err.isError())
+        out << "remote: off: " << err.message().c_str() << "\n";
+    else if (remote)
+        out << "remote: " << remote->url << " prefix " << remote->prefix << "\n";
+    else
+        out << "remote: off\n";
+    out << "remote hits: " << counters.remoteHits << "\nremote misses: " << counters.remoteMisses
+        << "\nremote bytes in: " << counters.remoteBytesIn
+        << "\nremote bytes out: " << counters.remoteBytesOut
+        << "\nremote errors: " << counters.remoteErrors
+        << "\nremote dropped: " << counters.remoteDropped << "\n";
     return 0;
 }
 

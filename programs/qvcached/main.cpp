@@ -19,7 +19,10 @@ const char* const Usage =
     "themselves: it connects back to PORT on 127.0.0.1, serves the cache directory that\n"
     "the application names, and exits after SECONDS without clients (default 600, or the\n"
     "value of QVCACHED_IDLE_TIMEOUT).\n"
-    "  --stats DIR   print the entries, bytes, hits, misses and evictions of a cache\n"
+    "A file remote.conf in the cache directory (\"url = redis://host:port/db\",\n"
+    "\"prefix = TEAM\") adds a team's shared Redis tier behind the local cache.\n"
+    "  --stats DIR   print the entries, bytes, hits, misses and evictions of a cache, and\n"
+    "                the remote tier's hits, misses, bytes and errors where it has one\n"
     "  --clear DIR   delete every cached file of a cache that no server is using\n"
     "  --help        print this text\n";
 
