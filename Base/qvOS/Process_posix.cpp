@@ -70,6 +70,12 @@ qvUtil::Error spawn(const CString& program, const std::vector<CString>& args,
         posix_spawn_file_actions_adddup2(&fa.actions, stdoutFd, STDOUT_FILENO);
     if (!workingDir.empty())
         posix_spawn_file_actions_addchdir_np(&fa.actions, workingDir.c_str());
+        // The child gets its three standard streams and nothing else: descriptors the application
+        // opened without close-on-exec (files, sockets of libraries it uses) would otherwise live
+        // as long as the child, keeping a file locked or a server's connection open.
+#if defined(__GLIBC__) && (__GLIBC__ > 2 || (__GLIBC__ == 2 && __GLIBC_MINOR__ >= 34))
+    posix_spawn_file_actions_addclosefrom_np(&fa.actions, STDERR_FILENO + 1);
+#endif
 
     std::vector<char*> argv;
     argv.reserve(args.size() + 2);

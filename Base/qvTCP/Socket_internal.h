@@ -30,11 +30,13 @@ int connectResult(NativeHandle handle);
 
 /// Sets what a listening socket needs before bind: POSIX lets a restarted server take its
 /// fixed port again at once; Windows keeps the port from being taken over by another
-/// process. Returns 0, or the system's error number.
+/// process. Like every socket here it is kept from child processes. Returns 0, or the
+/// system's error number.
 int prepareListener(NativeHandle handle);
 
-/// Sets what every connection needs beyond TCP_NODELAY; on systems whose sends can raise
-/// SIGPIPE this turns that off for the socket. Returns 0, or the system's error number.
+/// Sets what every connection needs beyond TCP_NODELAY: it is kept from child processes (a
+/// helper started later must not hold a connection, or its server, open), and on systems
+/// whose sends can raise SIGPIPE that is turned off. Returns 0, or the system's error number.
 int prepareConnection(NativeHandle handle);
 
 } // namespace qvTCP::detail

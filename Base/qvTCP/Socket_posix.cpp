@@ -42,7 +42,23 @@ int connectResult(NativeHandle handle) {
     return pending;
 }
 
+namespace {
+
+// Sockets stay open in a program started later only by mistake: a cache server whose client
+// socket lives on in a long-running child would never see its last client leave.
+int keepFromChildren(NativeHandle handle) {
+    const int fd = static_cast<int>(handle);
+    const int flags = ::fcntl(fd, F_GETFD);
+    if (flags < 0 || ::fcntl(fd, F_SETFD, flags | FD_CLOEXEC) != 0)
+        return errno;
+    return 0;
+}
+
+} // namespace
+
 int prepareListener(NativeHandle handle) {
+    if (const int error = keepFromChildren(handle))
+        return error;
     // Connections of a previous server on the same fixed port may linger in TIME_WAIT; without
     // SO_REUSEADDR a restarted server could not listen there for minutes.
     int on = 1;
@@ -51,9 +67,11 @@ int prepareListener(NativeHandle handle) {
     return 0;
 }
 
-int prepareConnection([[maybe_unused]] NativeHandle handle) {
-    // Linux: Boost.Asio sends with MSG_NOSIGNAL, so a write to a vanished peer returns EPIPE
-    // instead of raising SIGPIPE. Systems without that flag have the socket option instead.
+int prepareConnection(NativeHandle handle) {
+    if (const int error = keepFromChildren(handle))
+        return error;
+        // Linux: Boost.Asio sends with MSG_NOSIGNAL, so a write to a vanished peer returns EPIPE
+        // instead of raising SIGPIPE. Systems without that flag have the socket option instead.
 #if defined(SO_NOSIGPIPE)
     int on = 1;
     if (::setsockopt(static_cast<int>(handle), SOL_SOCKET, SO_NOSIGPIPE, &on, sizeof on) != 0)

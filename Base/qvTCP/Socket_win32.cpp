@@ -52,7 +52,21 @@ int connectResult(NativeHandle handle) {
     return pending;
 }
 
+namespace {
+
+// Sockets are inheritable by default; a program started later would keep this one open (and a
+// cache server whose client socket lives on in a long-running child never sees it leave).
+int keepFromChildren(NativeHandle handle) {
+    if (!::SetHandleInformation(reinterpret_cast<HANDLE>(toSocket(handle)), HANDLE_FLAG_INHERIT, 0))
+        return static_cast<int>(::GetLastError());
+    return 0;
+}
+
+} // namespace
+
 int prepareListener(NativeHandle handle) {
+    if (const int error = keepFromChildren(handle))
+        return error;
     // Windows lets a later socket with SO_REUSEADDR take over a port that is in use; holding
     // the port exclusively keeps another process from stealing the server's clients.
     BOOL on = TRUE;
@@ -62,9 +76,9 @@ int prepareListener(NativeHandle handle) {
     return 0;
 }
 
-int prepareConnection(NativeHandle) {
+int prepareConnection(NativeHandle handle) {
     // Windows has no SIGPIPE: a write to a vanished peer fails with WSAECONNRESET.
-    return 0;
+    return keepFromChildren(handle);
 }
 
 } // namespace qvTCP::detail

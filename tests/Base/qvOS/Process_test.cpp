@@ -8,6 +8,7 @@
 #include "Base/qvOS/AppMain.h"
 #include "Base/qvOS/File.h"
 #include "Base/qvOS/Filename.h"
+#include "Base/qvTCP/Socket.h"
 #include "tests/support/ScopedEnv.h"
 #include "tests/support/TempDir.h"
 
@@ -150,6 +151,29 @@ TEST(ProcessManager, AsyncChildrenAreWaitedForKilledAndForgotten) {
     EXPECT_FALSE(ProcessManager::isAlive(pid));
     EXPECT_TRUE(ProcessManager::isAlive(ProcessManager::currentId()));
     EXPECT_EQ(ProcessManager::kill(0x7ffffff0).code(), qvOS::OSError::NotFound);
+}
+
+// A child started while a connection is open must not hold it: the peer sees the close at once,
+// not when the child ends (a cache server would otherwise never see its client leave).
+TEST(ProcessManager, ChildrenHoldNoneOfTheParentsConnections) {
+    qvTCP::Server server;
+    server.setLoopbackOnly();
+    ASSERT_TRUE(server.listen().isOk());
+    auto client = std::make_unique<qvTCP::ClientSocket>(qvTCP::Address::loopback(server.getPort()));
+    ASSERT_TRUE(client->connect().isOk());
+    std::unique_ptr<qvTCP::Socket> accepted;
+    ASSERT_TRUE(server.accept(5.0, accepted).isOk());
+    ASSERT_TRUE(accepted);
+
+    qvOS::ProcessId pid = 0;
+    ASSERT_TRUE(ProcessManager::startAsync(helper(), {"sleep", "30"}, "", &pid).isOk());
+    client.reset();
+    accepted->setReceiveTimeout(5.0);
+    char byte = 0;
+    EXPECT_EQ(accepted->read(&byte, 1).code(), qvTCP::ErrorPeerClosed);
+    ProcessResult result;
+    ASSERT_TRUE(ProcessManager::kill(pid).isOk());
+    ASSERT_TRUE(ProcessManager::wait(pid, 20, result).isOk());
 }
 
 } // namespace
