@@ -117,67 +117,108 @@ inline std::uint32_t siteFor(const char* file, int line) {
     return lastSite;
 }
 
-// ---- live blocks ---------------------------------------------------------------------------
+// ---- blocks ---------------------------------------------------------------------------------
 
-// A live block: its address, and its size and site packed as size << 16 | site. Sizes fit in
-// 48 bits on every 64-bit system (and trivially on 32-bit ones).
+// A block the allocator knows: its address, and its size and site packed as size << 16 | site,
+// with the top bit set once the block is released. Sizes fit in 47 bits on every 64-bit system
+// (and trivially on 32-bit ones).
 struct Slot {
     std::uintptr_t key; // 0: empty
     std::uint64_t sizeAndSite;
 };
 
-// Larger requests fail at once: no system gives a process 256 TiB, and the packing needs it.
-constexpr std::size_t kMaxRequest = static_cast<std::size_t>((std::uint64_t{1} << 48) - 1);
+constexpr std::uint64_t kReleased = std::uint64_t{1} << 63;
 
+// Larger requests fail at once: no system gives a process 128 TiB, and the packing needs it.
+constexpr std::size_t kMaxRequest = static_cast<std::size_t>((std::uint64_t{1} << 47) - 1);
+
+// The table of blocks: open addressing with linear probing, its capacity a power of two, a
+// block's home slot the top bits of its hash. It holds the live blocks and the released ones
+// until it is next cleared out. A release only marks its entry: the C heap hands the same
+// addresses out again soon, and the new block takes the old entry's place, so neither a
+// release nor an allocation moves other entries. The table is kept at most a quarter full:
+// a block is then nearly always in its home slot, and probe loops that end at once are what
+// keep a pair within a few nanoseconds of the C heap's own.
+constexpr std::size_t kLoadDivisor = 4;
 Slot* slots = nullptr;
 std::size_t slotMask = 0;
-std::size_t slotsUsed = 0;
+unsigned slotShift = 63;   // 64 - log2(capacity) once the table exists
+std::size_t slotsUsed = 0; // live and released entries
 
 MA_Stats stats{};
 
-inline std::size_t homeOf(std::uintptr_t key) {
-    return static_cast<std::size_t>(mix(key >> 4)) & slotMask;
+// Multiplicative hashing of the address without its alignment bits: the product's top bits
+// depend on every address bit, so blocks that lie side by side in the heap spread over the
+// table.
+inline std::uint64_t hashOf(std::uintptr_t key) {
+    return (static_cast<std::uint64_t>(key) >> 4) * 0x9E3779B97F4A7C15ull;
+}
+inline std::size_t homeOf(std::uint64_t hash) {
+    return static_cast<std::size_t>(hash >> slotShift);
 }
 
 inline std::size_t sizeOf(std::uint64_t packed) {
-    return static_cast<std::size_t>(packed >> 16);
+    return static_cast<std::size_t>((packed & ~kReleased) >> 16);
 }
 inline std::uint32_t siteOf(std::uint64_t packed) {
     return static_cast<std::uint32_t>(packed & 0xFFFF);
 }
+inline bool isLive(const Slot& slot) {
+    return !(slot.sizeAndSite & kReleased);
+}
 
-// The addresses of the latest releases, direct-mapped, to tell a double free from a foreign
-// block. An address that MA_* hands out again needs no clearing here: a live block is found in
-// the table before this is consulted. Kept small (5 KiB) so that it stays in the first-level
-// cache beside the table.
+// Released addresses that a clear-out took from the table, direct-mapped, so that a double
+// free soon after one is still recognised. An address handed out again needs no clearing
+// here: the table is consulted first.
 constexpr std::size_t kReleasedCount = 512;
 std::uintptr_t releasedKeys[kReleasedCount];
 std::uint16_t releasedSites[kReleasedCount];
 
-inline std::size_t releasedIndex(std::uintptr_t key) {
-    return static_cast<std::size_t>(mix(key >> 4) >> 55); // the top 9 bits
+inline std::size_t releasedIndex(std::uint64_t hash) {
+    return static_cast<std::size_t>(hash >> 55); // the top 9 bits
 }
 
 void atExitReport() {
     MA_report();
 }
 
-bool growSlots() {
-    const std::size_t capacity = slotMask ? (slotMask + 1) * 2 : 1024;
-    auto* grown = static_cast<Slot*>(std::calloc(capacity, sizeof(Slot)));
-    if (!grown)
+// Rebuilds the table without its released entries (they move to the released addresses),
+// sized so that the live entries take at most two thirds of the allowance: the next clear-out
+// then waits until a twelfth of the slots have been newly taken, which pays for visiting them
+// all. The table shrinks again when most of its blocks have gone.
+bool clearOutSlots() {
+    const std::size_t oldCapacity = slotMask ? slotMask + 1 : 0;
+    std::size_t live = 0;
+    for (std::size_t i = 0; i < oldCapacity; ++i)
+        live += slots[i].key && isLive(slots[i]);
+    std::size_t capacity = 1024;
+    while ((live + 1) * kLoadDivisor * 3 > capacity * 2)
+        capacity *= 2;
+    auto* fresh = static_cast<Slot*>(std::calloc(capacity, sizeof(Slot)));
+    if (!fresh)
         return false;
     Slot* old = slots;
-    const std::size_t oldCapacity = slotMask ? slotMask + 1 : 0;
-    slots = grown;
+    slots = fresh;
     slotMask = capacity - 1;
+    slotShift = 64;
+    for (std::size_t c = capacity; c > 1; c >>= 1)
+        --slotShift;
+    slotsUsed = live;
     for (std::size_t i = 0; i < oldCapacity; ++i) {
-        if (!old[i].key)
+        const Slot& entry = old[i];
+        if (!entry.key)
             continue;
-        std::size_t j = homeOf(old[i].key);
+        const std::uint64_t hash = hashOf(entry.key);
+        if (!isLive(entry)) {
+            releasedKeys[releasedIndex(hash)] = entry.key;
+            releasedSites[releasedIndex(hash)] =
+                static_cast<std::uint16_t>(siteOf(entry.sizeAndSite));
+            continue;
+        }
+        std::size_t j = homeOf(hash);
         while (slots[j].key)
             j = (j + 1) & slotMask;
-        slots[j] = old[i];
+        slots[j] = entry;
     }
     std::free(old);
     if (!oldCapacity) {
@@ -189,11 +230,11 @@ bool growSlots() {
     return true;
 }
 
-// Room for one more block, the table kept at most half full so that probes stay short. Made
-// before the C heap is asked, so that a block once allocated can always be recorded; false
-// when the allocator's own records cannot be had (the caller's allocation then fails).
+// Room for one more entry. Made before the C heap is asked, so that a block once allocated
+// can always be recorded; false when the allocator's own records cannot be had (the caller's
+// allocation then fails).
 inline bool reserveSlot() {
-    return sites && ((slotsUsed + 1) * 2 <= slotMask + 1 || growSlots());
+    return sites && ((slotsUsed + 1) * kLoadDivisor <= slotMask + 1 || clearOutSlots());
 }
 
 inline void countRelease(std::uint64_t packed) {
@@ -205,19 +246,29 @@ inline void countRelease(std::uint64_t packed) {
     stats.live_blocks -= 1;
 }
 
-// Records a block the C heap has just handed out. An address still in the table belonged to
-// a block released behind the allocator's back (with free): that one is retired now.
-void record(void* block, std::size_t size, std::uint32_t siteNumber) {
-    const auto key = reinterpret_cast<std::uintptr_t>(block);
-    const std::uint64_t packed = (static_cast<std::uint64_t>(size) << 16) | siteNumber;
-    std::size_t i = homeOf(key);
+// The first slot of `key`'s probe run that is empty or holds `key`.
+inline std::size_t probe(std::uintptr_t key) {
+    std::size_t i = homeOf(hashOf(key));
     while (slots[i].key && slots[i].key != key)
         i = (i + 1) & slotMask;
-    if (slots[i].key)
-        countRelease(slots[i].sizeAndSite);
-    else
+    return i;
+}
+
+// Writes a block's entry over any entry of the same address: a released one, or a live one
+// whose block was released behind the allocator's back (with free), which is retired now.
+void enter(const Slot& entry) {
+    Slot& slot = slots[probe(entry.key)];
+    if (!slot.key)
         ++slotsUsed;
-    slots[i] = Slot{key, packed};
+    else if (isLive(slot))
+        countRelease(slot.sizeAndSite);
+    slot = entry;
+}
+
+// Enters and counts a block the C heap has just handed out.
+inline void record(void* block, std::size_t size, std::uint32_t siteNumber) {
+    enter(Slot{reinterpret_cast<std::uintptr_t>(block),
+               (static_cast<std::uint64_t>(size) << 16) | siteNumber});
 
     Site& site = sites[siteNumber];
     site.liveBytes += size;
@@ -234,25 +285,28 @@ void record(void* block, std::size_t size, std::uint32_t siteNumber) {
         stats.peak_blocks = stats.live_blocks;
 }
 
-inline Slot* find(const void* block) {
+// The entry of `block`, live or released, or null.
+Slot* find(const void* block) {
     if (!slots)
         return nullptr;
-    const auto key = reinterpret_cast<std::uintptr_t>(block);
-    for (std::size_t i = homeOf(key); slots[i].key; i = (i + 1) & slotMask)
-        if (slots[i].key == key)
-            return &slots[i];
-    return nullptr;
+    Slot& slot = slots[probe(reinterpret_cast<std::uintptr_t>(block))];
+    return slot.key ? &slot : nullptr;
 }
 
-// Removes a slot by shifting its successors back (linear probing without tombstones), so that
-// a long-running process never accumulates dead slots.
+// Uncounts a live block; its entry stays, marked, to recognise a second release.
+inline void release(Slot& slot) {
+    countRelease(slot.sizeAndSite);
+    slot.sizeAndSite |= kReleased;
+}
+
+// Removes an entry by shifting its successors back (linear probing without tombstones).
 void erase(Slot* slot) {
     std::size_t hole = static_cast<std::size_t>(slot - slots);
     for (std::size_t j = (hole + 1) & slotMask; slots[j].key; j = (j + 1) & slotMask) {
-        const std::size_t home = homeOf(slots[j].key);
-        // The entry at j may fill the hole unless its home lies cyclically in (hole, j].
-        const bool stays = hole <= j ? (hole < home && home <= j) : (hole < home || home <= j);
-        if (!stays) {
+        // The entry at j may fill the hole when the hole lies on its probe run, between its
+        // home and j.
+        const std::size_t home = homeOf(hashOf(slots[j].key));
+        if (((j - home) & slotMask) >= ((j - hole) & slotMask)) {
             slots[hole] = slots[j];
             hole = j;
         }
@@ -261,23 +315,21 @@ void erase(Slot* slot) {
     --slotsUsed;
 }
 
-// Takes a counted block out of the table and remembers its address as released.
-void release(Slot* slot) {
-    countRelease(slot->sizeAndSite);
-    const std::size_t r = releasedIndex(slot->key);
-    releasedKeys[r] = slot->key;
-    releasedSites[r] = static_cast<std::uint16_t>(siteOf(slot->sizeAndSite));
-    erase(slot);
-}
-
-// A pointer that is not counted here: a double free when released lately, else foreign.
-bool isDoubleFree(const void* block, const char* what) {
+// A pointer that is not a live block here (`entry` is its released entry, or null): a double
+// free when it was released lately, else foreign.
+bool isDoubleFree(const void* block, const Slot* entry, const char* what) {
     const auto key = reinterpret_cast<std::uintptr_t>(block);
-    const std::size_t r = releasedIndex(key);
-    if (releasedKeys[r] != key)
-        return false;
+    std::uint32_t siteNumber;
+    if (entry) {
+        siteNumber = siteOf(entry->sizeAndSite);
+    } else {
+        const std::size_t r = releasedIndex(hashOf(key));
+        if (releasedKeys[r] != key)
+            return false;
+        siteNumber = releasedSites[r];
+    }
     ++stats.double_frees;
-    const Site& site = sites[releasedSites[r]];
+    const Site& site = sites[siteNumber];
     rptError("%s: block %p (from %s:%d) was released already; it is left alone\n", what, block,
              site.file, site.line);
     return true;
@@ -320,14 +372,15 @@ void* MA_realloc(void* block, size_t size, int line, const char* file) {
     if (!reserveSlot())
         return nullptr;
     Slot* slot = find(block);
-    if (!slot && isDoubleFree(block, "MA_realloc"))
+    const bool ours = slot && isLive(*slot);
+    if (!ours && isDoubleFree(block, slot, "MA_realloc"))
         return nullptr;
     void* moved = std::realloc(block, size ? size : 1);
     if (!moved)
         return nullptr;
     // realloc has not touched the table, so the slot found above is still the block's.
-    if (slot)
-        release(slot);
+    if (ours)
+        release(*slot);
     record(moved, size, site);
     return moved;
 }
@@ -345,12 +398,13 @@ char* MA_strdup(const char* text, int line, const char* file) {
 void MA_free(void* block) {
     if (!block)
         return;
-    if (Slot* slot = find(block)) {
-        release(slot);
+    Slot* slot = find(block);
+    if (slot && isLive(*slot)) {
+        release(*slot);
         std::free(block);
         return;
     }
-    if (isDoubleFree(block, "MA_free"))
+    if (isDoubleFree(block, slot, "MA_free"))
         return;
     ++stats.foreign_frees;
     rptDebug(1, "MA_free: block %p did not come from the accounted allocator\n", block);
@@ -359,7 +413,7 @@ void MA_free(void* block) {
 
 int MA_forget(void* block) {
     Slot* slot = find(block);
-    if (!slot)
+    if (!slot || !isLive(*slot))
         return 0;
     countRelease(slot->sizeAndSite);
     erase(slot);

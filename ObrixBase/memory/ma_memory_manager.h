@@ -14,21 +14,22 @@
    stays counted as live until the C heap hands its address out again; MA_forget takes a block
    out of the accounting first when the counts must stay exact.
 
-   Double and foreign frees. Every live block is recorded in a side table (an open-addressed
-   hash set keyed by address, holding the block's size and site), so MA_free knows its own
-   blocks without touching them. A pointer that is not in the table was either released
-   already or never came from here. Recent releases are remembered (512 addresses, one per
-   hash slot, a newer release evicting an older one): a pointer among them is a double free,
-   reported with rptError, counted and not released again. Any other pointer is a foreign
-   block: counted, reported with rptDebug at level 1 and released with free (so a double free
-   whose address has been evicted reaches the C runtime, which may stop the process). When the
-   C heap hands a released address to a plain malloc caller who gives it to MA_free, that
-   block is taken for a double free and kept.
+   Double and foreign frees. Every block is recorded in a side table (an open-addressed hash
+   set keyed by address, holding the block's size and site), so MA_free knows its own blocks
+   without touching them. A release marks the block's entry rather than removing it, and the
+   entry stays until the C heap hands the address out again or the table is cleared out of
+   released entries (when it is a quarter full); a clear-out keeps up to 512 of the addresses
+   it drops (one per hash slot, a newer release evicting an older one). A pointer found
+   released is a double free: reported with rptError, counted and not released again. Any
+   other pointer is a foreign block: counted, reported with rptDebug at level 1 and released
+   with free (so a double free whose address has been forgotten reaches the C runtime, which
+   may stop the process). When the C heap hands a released address to a plain malloc caller
+   who gives it to MA_free, that block is taken for a double free and kept.
 
-   The table holds 16 bytes per slot and is kept at most half full: 32 to 64 bytes per live
-   block, off the blocks themselves. Process-wide and unguarded, like the rest of the library:
-   call it from one thread. Setting the environment variable OBRIX_MA_REPORT to anything but
-   "" or "0" prints MA_report when the process exits. */
+   The table holds 16 bytes per slot and is kept at most a quarter full: 64 to 192 bytes per
+   live block, off the blocks themselves. Process-wide and unguarded, like the rest of the
+   library: call it from one thread. Setting the environment variable OBRIX_MA_REPORT to
+   anything but "" or "0" prints MA_report when the process exits. */
 #ifndef OBRIX_MEMORY_MA_MEMORY_MANAGER_H
 #define OBRIX_MEMORY_MA_MEMORY_MANAGER_H
 
@@ -67,11 +68,11 @@ typedef struct MA_Site_stats {
 /** Allocates `size` bytes aligned for any type, like malloc; null when out of memory.
     `line` and `file` name the caller's source position (pass __LINE__, __FILE__); further
     arguments are accepted and ignored. A request of 0 bytes returns a unique block; one of
-    2^48 bytes or more fails at once. Cost: a C heap allocation plus a few nanoseconds. */
+    2^47 bytes or more fails at once. Cost: a C heap allocation plus a few nanoseconds. */
 OBRIX_API void* MA_malloc(size_t size, int line, const char* file, ...);
 
 /** `count` zeroed elements of `size` bytes, like calloc; null when out of memory or when
-    count * size reaches 2^48. */
+    count * size reaches 2^47. */
 OBRIX_API void* MA_calloc(size_t count, size_t size, int line, const char* file);
 
 /** Resizes `block` like realloc: a null `block` is MA_malloc(size); a size of 0 gives a unique

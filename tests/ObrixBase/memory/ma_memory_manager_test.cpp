@@ -5,6 +5,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
+#include <map>
+#include <random>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -82,6 +86,7 @@ TEST(MaMemoryManager, BlocksCrossBetweenTheAllocatorAndTheCHeap) {
     // Taken first: a C heap block allocated after the free() below could reuse the address
     // the accounting still holds as live (the Windows heap does), and would then be its.
     void* theirs = std::malloc(32);
+    void* plain = std::malloc(8);
     // free() takes an accounted block: there is no header in front of it.
     void* ours = MA_malloc(48, __LINE__, __FILE__);
     ASSERT_EQ(MA_forget(ours), 1);
@@ -102,7 +107,7 @@ TEST(MaMemoryManager, BlocksCrossBetweenTheAllocatorAndTheCHeap) {
     EXPECT_EQ(capture.reports()[0].level, rptLevelDebug);
 
     // realloc of a C heap block adopts it.
-    void* adopted = MA_realloc(std::malloc(8), 24, __LINE__, __FILE__);
+    void* adopted = MA_realloc(plain, 24, __LINE__, __FILE__);
     EXPECT_EQ(now().live_bytes, before.live_bytes + 16 + 24);
     MA_free(adopted);
     EXPECT_EQ(now().foreign_frees, before.foreign_frees + 1);
@@ -168,4 +173,101 @@ TEST(MaMemoryManager, SitesKeepTheirOwnCountsAndMergeByFileName) {
     for (size_t i = 0; i < blocks.size(); ++i)
         if (i != 4)
             MA_free(blocks[i]);
+}
+
+// Random allocations, resizes and releases through every door, thousands of blocks at a time,
+// so that the table grows, is cleared of released entries and shrinks, against a model of
+// what must be counted. Blocks released with free() stay counted until their address returns.
+TEST(MaMemoryManager, CountsFollowAModelThroughGrowthAndClearOuts) {
+    static const char file[] = "model_test.cpp";
+    struct Block {
+        size_t size;
+        int line;
+    };
+    std::map<void*, Block> counted; // every block the accounting must count
+    std::set<void*> freedBehind;    // counted, but released with free()
+    std::minstd_rand random(5);
+    const MA_Stats base = now();
+    size_t doubles = 0, bytes = 0;
+    auto drop = [&](void* p) {
+        bytes -= counted[p].size;
+        counted.erase(p);
+    };
+    auto adopt = [&](void* p, size_t size, int line) {
+        if (freedBehind.erase(p)) // the address came back: the old block is retired
+            drop(p);
+        counted[p] = Block{size, line};
+        bytes += size;
+    };
+    auto pick = [&]() -> void* {
+        for (int tries = 0; tries < 8; ++tries) {
+            auto it = std::next(counted.begin(), static_cast<long>(random() % counted.size()));
+            if (!freedBehind.count(it->first))
+                return it->first;
+        }
+        return nullptr;
+    };
+    auto check = [&](bool sites) {
+        const MA_Stats s = now();
+        ASSERT_EQ(s.live_blocks - base.live_blocks, counted.size());
+        ASSERT_EQ(s.live_bytes - base.live_bytes, bytes);
+        ASSERT_EQ(s.double_frees - base.double_frees, doubles);
+        for (int line = 1; sites && line <= 3; ++line) {
+            size_t siteBytes = 0;
+            for (const auto& entry : counted)
+                siteBytes += entry.second.line == line ? entry.second.size : 0;
+            ASSERT_EQ(siteAt(file, line).live_bytes, siteBytes) << "line " << line;
+        }
+    };
+    // Grow to thousands, drain to a few, grow again.
+    for (const size_t target : {3000u, 40u, 2500u}) {
+        for (int step = 0; step < 12000; ++step) {
+            const unsigned op = random() % 16;
+            const bool grow = counted.size() < target;
+            void* p = counted.empty() ? nullptr : pick();
+            const int line = 1 + static_cast<int>(random() % 3);
+            const size_t size = random() % 300;
+            if (!p || (grow ? op < 9 : op < 4)) {
+                void* q = MA_malloc(size, line, file);
+                ASSERT_NE(q, nullptr);
+                adopt(q, size, line);
+            } else if (op < 11) {
+                drop(p);
+                MA_free(p);
+                if (op == 10) { // at once again: recognised, left alone
+                    MA_free(p);
+                    ++doubles;
+                }
+            } else if (op < 13) {
+                drop(p);
+                void* q = MA_realloc(p, size, line, file);
+                ASSERT_NE(q, nullptr);
+                adopt(q, size, line);
+            } else if (op < 15) {
+                ASSERT_EQ(MA_forget(p), 1);
+                drop(p);
+                std::free(p);
+            } else {
+                freedBehind.insert(p);
+                std::free(p);
+            }
+            check(step % 1000 == 0);
+        }
+    }
+    // A release among thousands of others is still recognised.
+    void* first = nullptr;
+    for (auto it = counted.begin(); it != counted.end();) {
+        if (freedBehind.count(it->first)) {
+            EXPECT_EQ(MA_forget(it->first), 1);
+        } else {
+            MA_free(it->first);
+            first = first ? first : it->first;
+        }
+        bytes -= it->second.size;
+        it = counted.erase(it);
+    }
+    ASSERT_NE(first, nullptr);
+    MA_free(first);
+    ++doubles;
+    check(true);
 }
