@@ -181,14 +181,14 @@ OBRIX_ALWAYS_INLINE void eliminateColumn(Positions& pos, Column& c, Row (&scaled
         const double m = multiplier[i];
         Row r;
         load(r.m23, y + 2);
-        r.m23 = r.m23 - m * pivot.m23;
+        r.m23 = r.m23 - pivot.m23 * m;
         if constexpr (K == 0) {
             load(r.m01, y);
-            r.m01 = r.m01 - m * pivot.m01;
-            r.a01 = Pair{0.0, 0.0} - m * pivot.a01;
+            r.m01 = r.m01 - pivot.m01 * m;
+            r.a01 = Pair{0.0, 0.0} - pivot.a01 * m;
         } else {
             load(r.a01, y + 4);
-            r.a01 = r.a01 - m * pivot.a01;
+            r.a01 = r.a01 - pivot.a01 * m;
         }
         if constexpr (K < 2) {
             double* const out = pos.scratch[i];
@@ -199,7 +199,7 @@ OBRIX_ALWAYS_INLINE void eliminateColumn(Positions& pos, Column& c, Row (&scaled
             pos.source[i] = out;
         } else {
             // The last row, whose 1 can only be at column 3, is final: scale it from registers.
-            r.a23 = Pair{0.0, 1.0} - m * pivot.a23;
+            r.a23 = Pair{0.0, 1.0} - pivot.a23 * m;
             scalePivotRow<3>(scaledRows[3], r, both(r.m23[1]));
         }
     }
@@ -214,11 +214,11 @@ OBRIX_ALWAYS_INLINE void clearAbove(Row (&s)[4]) {
     const double f = at<C>(s[R]);
     // A matrix pair is needed when it holds a column left of C other than R's own.
     if constexpr ((0 < C && R != 0) || (1 < C && R != 1))
-        s[R].m01 = s[R].m01 - f * s[C].m01;
+        s[R].m01 = s[R].m01 - s[C].m01 * f;
     if constexpr ((2 < C && R != 2) || (3 < C && R != 3))
-        s[R].m23 = s[R].m23 - f * s[C].m23;
-    s[R].a01 = s[R].a01 - f * s[C].a01;
-    s[R].a23 = s[R].a23 - f * s[C].a23;
+        s[R].m23 = s[R].m23 - s[C].m23 * f;
+    s[R].a01 = s[R].a01 - s[C].a01 * f;
+    s[R].a23 = s[R].a23 - s[C].a23 * f;
 }
 
 } // namespace
