@@ -39,6 +39,7 @@ struct Row {
     Pair m01, m23, a01, a23;
 };
 
+/// Element E (0..7) of a row.
 template <int E>
 OBRIX_ALWAYS_INLINE double at(const Row& r) {
     if constexpr (E < 2)
@@ -51,6 +52,7 @@ OBRIX_ALWAYS_INLINE double at(const Row& r) {
         return r.a23[E - 6];
 }
 
+/// x in both lanes.
 OBRIX_ALWAYS_INLINE Pair both(double x) {
     return Pair{x, x};
 }
@@ -64,10 +66,10 @@ struct Positions {
     double scratch[4][8];
 };
 
-/// Column K at positions K..3 while column K is eliminated: `at` for the pivot search,
+/// Column K at positions K..3 while column K is eliminated: `value` for the pivot search,
 /// `low23` the values at positions 2 and 3 in one pair, as the elimination computes them.
 struct Column {
-    double at[4];
+    double value[4];
     Pair low23;
 };
 
@@ -75,31 +77,32 @@ struct Column {
 // only when strictly larger, so ties keep the upper row. Gives the pivot value and the
 // numerators of the multipliers as they stand after the swap (position p takes the value of
 // position K): positions 2 and 3 in one pair (at K = 2 only its upper lane counts), position
-// 1 apart. Branches, not masks: the search then stays off the chain of divisions, where a
-// mask-based one puts three compare-and-select steps before every division.
+// 1 apart. Branches, not masks: predicted, the search stays off the chain of divisions, where a
+// mask-based one puts up to three compare-and-select steps before each; matrices whose pivot
+// order changes from call to call pay in mispredictions instead.
 template <int K>
 OBRIX_ALWAYS_INLINE int choosePivot(const Column& c, Pair& pivotValue, Pair& numerators23,
                                     double& numerator1) {
     int p = K;
-    double best = c.at[K] * c.at[K];
+    double best = c.value[K] * c.value[K];
     for (int i = K + 1; i < 4; ++i) {
-        const double sq = c.at[i] * c.at[i];
+        const double sq = c.value[i] * c.value[i];
         if (sq > best) {
             best = sq;
             p = i;
         }
     }
-    numerator1 = p == 1 ? c.at[0] : c.at[1];
+    numerator1 = p == 1 ? c.value[0] : c.value[1];
     if (p == 2)
-        numerators23 = Pair{c.at[K], c.low23[1]};
+        numerators23 = Pair{c.value[K], c.low23[1]};
     else if (p == 3)
-        numerators23 = Pair{c.low23[0], c.at[K]};
+        numerators23 = Pair{c.low23[0], c.value[K]};
     else
         numerators23 = c.low23;
-    pivotValue = both(p == K       ? c.at[K]
-                      : p == K + 1 ? c.at[K + 1]
-                      : p == K + 2 ? c.at[K + 2]
-                                   : c.at[3]);
+    pivotValue = both(p == K       ? c.value[K]
+                      : p == K + 1 ? c.value[K + 1]
+                      : p == K + 2 ? c.value[K + 2]
+                                   : c.value[3]);
     return p;
 }
 
@@ -157,10 +160,10 @@ OBRIX_ALWAYS_INLINE void eliminateColumn(Positions& pos, Column& c, Row (&scaled
         const double* const y2 = pos.source[2];
         const double* const y3 = pos.source[3];
         c.low23 = Pair{y2[K + 1], y3[K + 1]} - f23 * both(x[K + 1]);
-        c.at[2] = c.low23[0];
-        c.at[3] = c.low23[1];
+        c.value[2] = c.low23[0];
+        c.value[3] = c.low23[1];
         if constexpr (K == 0)
-            c.at[1] = pos.source[1][1] - multiplier[1] * x[1];
+            c.value[1] = pos.source[1][1] - multiplier[1] * x[1];
     }
 
     // The pivot row, with the accumulator's 1 at column K and exact zeros right of it.
@@ -233,9 +236,9 @@ T4dDblMatrix& T4dDblMatrix::invertIt() noexcept {
     for (int i = 0; i < 4; ++i) {
         pos.source[i] = m_[i];
         pos.origin[i] = i;
-        c.at[i] = m_[i][0];
+        c.value[i] = m_[i][0];
     }
-    c.low23 = Pair{c.at[2], c.at[3]};
+    c.low23 = Pair{c.value[2], c.value[3]};
     Row s[4];
     eliminateColumn<0>(pos, c, s);
     eliminateColumn<1>(pos, c, s);
