@@ -23,7 +23,7 @@ namespace qvObrixBase::kernels::detail {
 // OBRIX_SIMD_PLAIN selects the plain-array registers below on a compiler that has vector
 // types, so that form can be compiled and tested where it is not the default.
 #if defined(__GNUC__) && !defined(OBRIX_SIMD_PLAIN)
-/// W doubles in one register, with element-wise + - * and lane access by []. A double on
+/// W doubles in one register, with element-wise + - * / and lane access by []. A double on
 /// either side of + or * stands for W copies of itself; write scalar factors that way, inside
 /// the loop that uses them: the compiler folds the copies into the arithmetic, where a
 /// separately built register of copies can cost one instruction per lane.
@@ -35,7 +35,7 @@ struct VectorOf {
 template <int W>
 using Vec = typename VectorOf<W>::type;
 #else
-/// W doubles with element-wise + - * (and + or * by a double on the right) and lane access by
+/// W doubles with element-wise + - * / (and + * / by a double on the right) and lane access by
 /// []: the same arithmetic as the vector types, one lane at a time.
 template <int W>
 struct Vec {
@@ -57,6 +57,16 @@ struct Vec {
     friend Vec operator*(Vec a, const Vec& b) {
         for (int i = 0; i < W; ++i)
             a.lane[i] *= b.lane[i];
+        return a;
+    }
+    friend Vec operator/(Vec a, const Vec& b) {
+        for (int i = 0; i < W; ++i)
+            a.lane[i] /= b.lane[i];
+        return a;
+    }
+    friend Vec operator/(Vec a, double s) {
+        for (int i = 0; i < W; ++i)
+            a.lane[i] /= s;
         return a;
     }
     friend Vec operator+(Vec a, double s) {
