@@ -125,11 +125,7 @@ TEST(FileCache, ABrokenConnectionTurnsEveryCallIntoAQuietRefusal) {
     EXPECT_EQ(server.log().size(), 2u);
 }
 
-TEST(FileCache, GeneratedPathsAreFreshNamesInsideTheDirectoryAndCreateNothing) {
-    ScratchDirectory dir;
-    CacheServerDouble server{dir};
-    FileCache cache;
-    ASSERT_TRUE(cache.initialize(dir.str(), 0, 0).isOk());
+TEST_F(Joined, GeneratedPathsAreFreshNamesInsideTheDirectoryAndCreateNothing) {
     const qvString::CString a = cache.generatePath(), b = cache.generatePath();
     EXPECT_NE(a, b);
     EXPECT_EQ(qvOS::Filename::directory(a), dir.str());
