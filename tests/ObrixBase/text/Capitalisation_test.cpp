@@ -75,13 +75,9 @@ const Case kTitles[] = {
 
 } // namespace
 
-TEST(Capitalisation, TitleCaseFollowsTheBookTitleRules) {
-    for (const Case& c : kTitles)
-        EXPECT_EQ(titleCase(c.in), c.out) << "input: \"" << c.in << '"';
-}
-
-TEST(Capitalisation, TitleCaseIsStableAndKeepsTheLength) {
+TEST(Capitalisation, TitleCaseFollowsTheBookTitleRulesIsStableAndKeepsTheLength) {
     for (const Case& c : kTitles) {
+        EXPECT_EQ(titleCase(c.in), c.out) << "input: \"" << c.in << '"';
         EXPECT_EQ(titleCase(c.out), c.out) << "input: \"" << c.out << '"';
         EXPECT_EQ(titleCase(c.in).size(), std::string(c.in).size());
     }
