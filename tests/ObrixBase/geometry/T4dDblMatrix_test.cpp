@@ -81,13 +81,10 @@ bool allFinite(const T4dDblMatrix& m) {
 }
 
 std::string printed(const T4dDblMatrix& m) {
-    std::FILE* f = std::tmpfile();
-    m.print(f);
-    std::string text(static_cast<size_t>(std::ftell(f)), '\0');
-    std::rewind(f);
-    text.resize(std::fread(text.data(), 1, text.size(), f));
-    std::fclose(f);
-    return text;
+    testing::internal::CaptureStdout();
+    m.print(stdout);
+    std::fflush(stdout);
+    return testing::internal::GetCapturedStdout();
 }
 
 } // namespace
