@@ -100,13 +100,7 @@ TEST_F(Faults, ColdStartRaceLosesNoEntryAcrossRounds) {
 }
 
 TEST_F(Faults, EveryBadLockFileFallsBackToAWorkingServerInBoundedTime) {
-    int deadPort = 0;
-    {
-        qvTCP::Server gone(-1, 1);
-        gone.setLoopbackOnly();
-        gone.listen();
-        deadPort = gone.getPort();
-    }
+    const int deadPort = obrix::test::deadLoopbackPort();
     qvTCP::Server silent(-1, 4); // listens, never accepts: connections wait in its backlog
     silent.setLoopbackOnly();
     ASSERT_TRUE(silent.listen().isOk());
