@@ -1,10 +1,13 @@
 #!/usr/bin/env bash
-# Installs the build tree into a scratch prefix, then builds and runs a consumer and the two
-# quick-start programs of docs/quickstart.md against it, once through find_package(ObrixBase)
-# and once through pkg-config. Nothing here names a language level: the package brings it.
+# Installs the build tree into a scratch prefix (or takes an unpacked one as the third
+# argument), then builds and runs a consumer and the two quick-start programs of
+# docs/quickstart.md against it, once through find_package(ObrixBase) and once through
+# pkg-config. Nothing here names a language level: the package brings it.
+# Usage: check.sh <build folder> <scratch folder> [<prefix>]
 set -euo pipefail
 build=$1
 work=$2
+prefix=${3:-$work/prefix}
 here=$(cd "$(dirname "$0")" && pwd)
 cmake=${CMAKE_COMMAND:-cmake}
 flags=""
@@ -18,21 +21,25 @@ for lang in cpp c; do
         "$here/../../docs/quickstart.md" > "$work/quickstart/quickstart.$lang"
     [ -s "$work/quickstart/quickstart.$lang" ] || { echo "no $lang block in quickstart.md" >&2; exit 1; }
 done
-"$cmake" --install "$build" --prefix "$work/prefix" >/dev/null
-libdir=$(ls -d "$work"/prefix/lib* | head -n 1)
+[ -n "${3:-}" ] || "$cmake" --install "$build" --prefix "$prefix" >/dev/null
+libdir=$(ls -d "$prefix"/lib* | head -n 1)
 # The inline element access of the headers follows the library's own build option.
-cmp "$build/generated/ObrixBase/ObrixBuildOptions.h" "$work/prefix/include/ObrixBase/ObrixBuildOptions.h"
+cmp "$build/generated/ObrixBase/ObrixBuildOptions.h" "$prefix/include/ObrixBase/ObrixBuildOptions.h"
 # Consumers need nothing of Boost: no installed header may include it.
-if grep -rlE '^[[:space:]]*#[[:space:]]*include[[:space:]]*[<"]boost/' "$work/prefix/include"; then
+if grep -rlE '^[[:space:]]*#[[:space:]]*include[[:space:]]*[<"]boost/' "$prefix/include"; then
     echo "the installed headers above include Boost" >&2
     exit 1
 fi
 
-"$cmake" -S "$here" -B "$work/cmake-build" -G Ninja -DCMAKE_PREFIX_PATH="$work/prefix" \
+# CMake is told about the prefix and nothing else.
+"$cmake" -S "$here" -B "$work/cmake-build" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
+    -DCMAKE_FIND_USE_SYSTEM_PACKAGE_REGISTRY=OFF -DCMAKE_FIND_USE_PACKAGE_REGISTRY=OFF \
     -DCMAKE_CXX_COMPILER="${CXX:-c++}" -DCMAKE_CXX_FLAGS="$flags" \
     -DCMAKE_C_COMPILER="${CC:-cc}" -DCMAKE_C_FLAGS="$flags" \
-    -DQUICKSTART_DIR="$work/quickstart" >/dev/null
-"$cmake" --build "$work/cmake-build" >/dev/null
+    -DQUICKSTART_DIR="$work/quickstart" >"$work/cmake.log" 2>&1 || { cat "$work/cmake.log"; exit 1; }
+grep -q "ObrixBase_DIR:PATH=$libdir/cmake/ObrixBase" "$work/cmake-build/CMakeCache.txt" ||
+    { echo "find_package(ObrixBase) did not take the package in $prefix" >&2; exit 1; }
+"$cmake" --build "$work/cmake-build" >"$work/build.log" 2>&1 || { cat "$work/build.log"; exit 1; }
 # No LD_LIBRARY_PATH: CMake's run path for libObrixBase and libObrixBase's own for libBase
 # must be enough.
 "$work/cmake-build/consumer"
@@ -40,6 +47,7 @@ fi
 "$work/cmake-build/quickstart_c" >/dev/null
 
 export PKG_CONFIG_PATH="$libdir/pkgconfig"
+export PKG_CONFIG_LIBDIR="$libdir/pkgconfig"
 # shellcheck disable=SC2046
 "${CXX:-c++}" $flags "$here/main.cpp" -o "$work/consumer-pc" $(pkg-config --cflags --libs obrixbase)
 # shellcheck disable=SC2046

@@ -2,20 +2,15 @@
 # Builds the two Debian packages from a build folder, checks what they declare and hold, and
 # uses them from a clean root: a folder that holds nothing but what `dpkg -x` unpacked from
 # them. Their dependencies must resolve against the system's Debian packages (apt's
-# simulation); the consumers of tests/consumer and the quick-start programs are built
-# against the root with only find_package(ObrixBase) or only pkg-config, and a program that
-# needs the helper programs runs with them found in the root.
+# simulation); tests/consumer/check.sh builds its programs against the root, and a program
+# that needs the helper programs runs with them found in the root.
 # Usage: check_deb.sh <build folder> <scratch folder>
 set -euo pipefail
 build=$1
 work=$2
 here=$(cd "$(dirname "$0")" && pwd)
-source_dir=$(cd "$here/../.." && pwd)
-cmake=${CMAKE_COMMAND:-cmake}
 cpack=${CPACK_COMMAND:-cpack}
 version=${OBRIX_VERSION:?}
-flags=""
-[ "${OBRIX_SANITIZE:-OFF}" = "ON" ] && flags="-fsanitize=address,undefined"
 
 rm -rf "$work"
 mkdir -p "$work/packages" "$work/root"
@@ -80,43 +75,10 @@ fi
 
 dpkg -x "$runtime" "$work/root"
 dpkg -x "$dev" "$work/root"
-prefix="$work/root/usr"
 
-# The quick-start programs exactly as docs/quickstart.md shows them.
-mkdir -p "$work/quickstart"
-for lang in cpp c; do
-    awk -v fence='```'"$lang" '$0 == fence {on = 1; next} on && $0 == "```" {exit} on' \
-        "$source_dir/docs/quickstart.md" >"$work/quickstart/quickstart.$lang"
-done
-
-# CMake: the root is the only place it is told about.
-"$cmake" -S "$source_dir/tests/consumer" -B "$work/cmake-build" -G Ninja \
-    -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_FIND_USE_SYSTEM_PACKAGE_REGISTRY=OFF \
-    -DCMAKE_FIND_USE_PACKAGE_REGISTRY=OFF \
-    -DCMAKE_CXX_COMPILER="${CXX:-c++}" -DCMAKE_CXX_FLAGS="$flags" \
-    -DCMAKE_C_COMPILER="${CC:-cc}" -DCMAKE_C_FLAGS="$flags" \
-    -DQUICKSTART_DIR="$work/quickstart" >"$work/cmake.log" 2>&1 || { cat "$work/cmake.log"; exit 1; }
-grep -q "ObrixBase_DIR:PATH=$prefix/lib/cmake/ObrixBase" "$work/cmake-build/CMakeCache.txt" ||
-    { echo "find_package(ObrixBase) did not take the package in the root" >&2; exit 1; }
-"$cmake" --build "$work/cmake-build" >"$work/build.log" 2>&1 || { cat "$work/build.log"; exit 1; }
-"$work/cmake-build/consumer"
-"$work/cmake-build/quickstart_cpp" >/dev/null
-"$work/cmake-build/quickstart_c" >/dev/null
-
-# pkg-config: the root's .pc files only.
-export PKG_CONFIG_PATH="$prefix/lib/pkgconfig"
-export PKG_CONFIG_LIBDIR="$prefix/lib/pkgconfig"
-# shellcheck disable=SC2046
-"${CXX:-c++}" $flags -Wall -Wextra -Werror "$work/quickstart/quickstart.cpp" -o "$work/quickstart-pc" \
-    $(pkg-config --cflags --libs obrixbase)
-# shellcheck disable=SC2046
-"${CC:-cc}" -std=c11 $flags -Wall -Wextra -Werror "$work/quickstart/quickstart.c" \
-    -o "$work/quickstart-c-pc" $(pkg-config --cflags --libs obrixbase-c)
-# The root is not in the loader's path, as /usr would be after dpkg -i.
-export LD_LIBRARY_PATH="$prefix/lib"
-"$work/quickstart-pc" >/dev/null
-"$work/quickstart-c-pc" >/dev/null
+# The consumers and the quick-start programs, built against the root only.
+bash "$here/../consumer/check.sh" "$build" "$work/use" "$work/root/usr"
 # The helper programs: found by the root's libBase in the root's program folder, with the
 # run paths alone (CMake's for the program, $ORIGIN-relative ones for the libraries and helpers).
 mkdir -p "$work/cache"
-env -u LD_LIBRARY_PATH "$work/cmake-build/helpers_consumer" "$prefix/bin" "$work/cache"
+env -u LD_LIBRARY_PATH "$work/use/cmake-build/helpers_consumer" "$work/root/usr/bin" "$work/cache"

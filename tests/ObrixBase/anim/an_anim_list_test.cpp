@@ -25,17 +25,14 @@ size_t liveBlocks() {
     return stats.live_blocks;
 }
 
-// What AN_print_item writes through the debug printer, captured from a scratch stream.
+// What AN_print_item writes through the debug printer, captured from standard output.
 std::string printed(AN_Animtron_s* item, long* result) {
-    std::FILE* stream = std::tmpfile();
-    AA_set_print_out(AA_OUTPUT_STREAM, stream);
+    AA_set_print_out(AA_OUTPUT_STDOUT, nullptr);
+    testing::internal::CaptureStdout();
     *result = AN_print_item(item, nullptr);
+    std::fflush(stdout);
     AA_set_print_out(AA_OUTPUT_STDERR, nullptr);
-    std::string text(4096, '\0');
-    std::rewind(stream);
-    text.resize(std::fread(text.data(), 1, text.size(), stream));
-    std::fclose(stream);
-    return text;
+    return testing::internal::GetCapturedStdout();
 }
 
 } // namespace

@@ -37,6 +37,14 @@ struct ScratchDirectory {
     }
 };
 
+/// A loopback port that was listened on a moment ago and is closed now: nothing answers there.
+inline int deadLoopbackPort() {
+    qvTCP::Server gone(-1, 1);
+    gone.setLoopbackOnly();
+    gone.listen();
+    return gone.getPort();
+}
+
 class CacheServerDouble : public qvObrixBase::FileCacheProtocolServer {
 public:
     /// Listens on loopback and names its port in `dir`'s lock file.

@@ -24,6 +24,12 @@ struct Joined : ::testing::Test {
     std::string init() const { return "initialize " + dir.str() + " 7 1099511627776"; }
 };
 
+// A cache directory with the double as its server, for tests that set it up before joining.
+struct Unjoined : ::testing::Test {
+    ScratchDirectory dir;
+    CacheServerDouble server{dir};
+};
+
 } // namespace
 
 TEST_F(Joined, LimitsReachTheServerUnchangedAndLiveItemsAreNotAskedForAgain) {
@@ -85,9 +91,7 @@ TEST_F(Joined, SetAccessedStampsTheItemAndTellsTheServer) {
     EXPECT_EQ(server.log().back(), "setAccessed k");
 }
 
-TEST(FileCache, ItemsThatOutliveTheCacheSendNothingWhenTheyDie) {
-    ScratchDirectory dir;
-    CacheServerDouble server{dir};
+TEST_F(Unjoined, ItemsThatOutliveTheCacheSendNothingWhenTheyDie) {
     qv::Reference<qvObrixBase::FileCacheItem> survivor;
     {
         FileCache cache;
@@ -100,9 +104,7 @@ TEST(FileCache, ItemsThatOutliveTheCacheSendNothingWhenTheyDie) {
     EXPECT_EQ(server.log().size(), 2u);
 }
 
-TEST(FileCache, ServerErrorsArriveWithTheirCodeAndText) {
-    ScratchDirectory dir;
-    CacheServerDouble server{dir};
+TEST_F(Unjoined, ServerErrorsArriveWithTheirCodeAndText) {
     server.initializeAnswer = qvUtil::Error(7, "%s", "quota at 100%% in %s");
     FileCache cache;
     const qvUtil::Error err = cache.initialize(dir.str(), 0, 0);
@@ -110,9 +112,7 @@ TEST(FileCache, ServerErrorsArriveWithTheirCodeAndText) {
     EXPECT_EQ(err.message(), "quota at 100% in %s");
 }
 
-TEST(FileCache, ABrokenConnectionTurnsEveryCallIntoAQuietRefusal) {
-    ScratchDirectory dir;
-    CacheServerDouble server{dir};
+TEST_F(Unjoined, ABrokenConnectionTurnsEveryCallIntoAQuietRefusal) {
     server.requestsLeft = 2;
     FileCache cache;
     ASSERT_TRUE(cache.initialize(dir.str(), 0, 0).isOk());
@@ -125,11 +125,7 @@ TEST(FileCache, ABrokenConnectionTurnsEveryCallIntoAQuietRefusal) {
     EXPECT_EQ(server.log().size(), 2u);
 }
 
-TEST(FileCache, GeneratedPathsAreFreshNamesInsideTheDirectoryAndCreateNothing) {
-    ScratchDirectory dir;
-    CacheServerDouble server{dir};
-    FileCache cache;
-    ASSERT_TRUE(cache.initialize(dir.str(), 0, 0).isOk());
+TEST_F(Joined, GeneratedPathsAreFreshNamesInsideTheDirectoryAndCreateNothing) {
     const qvString::CString a = cache.generatePath(), b = cache.generatePath();
     EXPECT_NE(a, b);
     EXPECT_EQ(qvOS::Filename::directory(a), dir.str());
@@ -140,13 +136,7 @@ TEST(FileCache, GeneratedPathsAreFreshNamesInsideTheDirectoryAndCreateNothing) {
 // An unusable lock file is deleted and a new server is started; with the manual-start hint set
 // the store prints the command and waits for it, so a double can play the started server.
 TEST(FileCache, UnusableLockFilesAreDeletedAndANewServerIsWaitedFor) {
-    int deadPort = 0;
-    {
-        qvTCP::Server gone(-1, 1);
-        gone.setLoopbackOnly();
-        ASSERT_TRUE(gone.listen().isOk());
-        deadPort = gone.getPort();
-    }
+    const int deadPort = obrix::test::deadLoopbackPort();
     ASSERT_TRUE(qvOS::SetEnv("VESKO_FILE_CACHE_MANUAL_START", "1").isOk());
     for (const std::string& content :
          {std::string(), std::string("abc"), std::to_string(deadPort)}) {

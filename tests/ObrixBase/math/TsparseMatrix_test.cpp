@@ -1,6 +1,8 @@
 #include "ObrixBase/math/TsparseMatrix.h"
 
+#include <iomanip>
 #include <random>
+#include <sstream>
 
 #include <gtest/gtest.h>
 
@@ -125,4 +127,15 @@ TEST(TsparseMatrix, RemoveZerosSetAndDenseRoundTrip) {
     EXPECT_EQ(twice.add(twice, 1), 3);
     EXPECT_EQ(twice.cols(), 6);
     EXPECT_EQ(twice.element(1, 5), 4.0);
+}
+
+// The text form: the shape, then only what is stored, in storage order.
+TEST(TsparseMatrix, PrintsItsShapeAndStoredEntriesColumnByColumn) {
+    DoubleGenMat dense(3, 2, 0.0);
+    dense(2, 0) = 1.5;
+    dense(0, 1) = -2;
+    dense(1, 1) = 1.0 / 3.0;
+    std::ostringstream out;
+    out << std::setprecision(3) << TsparseMatrix(dense) << ' ' << TsparseMatrix();
+    EXPECT_EQ(out.str(), "3x2 sparse [(2, 0) 1.5, (0, 1) -2, (1, 1) 0.333] 0x0 sparse []");
 }

@@ -104,11 +104,6 @@ TEST(DbFilename, OverlongSettingsAreRefusedAndKeepTheOldValue) {
     Db_set_current_project_path("cur/");
     Db_set_current_project_name("shot");
     EXPECT_STREQ(Db_user_current_project_path(), "cur/shot");
-
-    Db_set_project_extension(".prj");
-    EXPECT_STREQ(Db_get_project_extension(), ".prj");
-    Db_set_project_extension(nullptr);
-    EXPECT_EQ(Db_get_project_extension(), nullptr);
 }
 
 TEST(DbFilename, DirnameCutsAfterTheLastSeparatorOrKeepsTheFirstCharacter) {

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <string>
 #include <tuple>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -20,12 +21,11 @@ using obrixtest::TempDir;
 
 namespace {
 
-std::string found(const VK_Filename& f, long* answer = nullptr) {
+// The name Filename() finds for f, with its answer (1 when the file exists).
+std::pair<std::string, long> found(const VK_Filename& f) {
     char out[VK_Filename::OUT_BUFFER_SIZE];
-    long a = f.Filename(out);
-    if (answer)
-        *answer = a;
-    return out;
+    const long answer = f.Filename(out);
+    return {out, answer};
 }
 
 // The image-name hook of the tests: answers "<name>.img" (C heap), remembering the frame it
@@ -98,15 +98,11 @@ TEST(VkFilename, SequenceIsFoundAtEveryPaddingWidthUpToOneBeyondThePad) {
     };
     for (const auto& [name, onDisk] : cases) {
         TempDir::write(pix + onDisk, "frame");
-        long answer = 0;
-        EXPECT_EQ(found(VK_Filename(name, PIX_DATA), &answer), pix + onDisk) << onDisk;
-        EXPECT_EQ(answer, 1) << onDisk;
+        EXPECT_EQ(found(VK_Filename(name, PIX_DATA)), std::pair(pix + onDisk, 1L)) << onDisk;
         std::remove((pix + onDisk).c_str());
     }
     TempDir::write(pix + "shot.00007", "too wide for the default pad");
-    long answer = 1;
-    EXPECT_EQ(found(VK_Filename("shot.7", PIX_DATA), &answer), pix + "shot");
-    EXPECT_EQ(answer, 0);
+    EXPECT_EQ(found(VK_Filename("shot.7", PIX_DATA)), std::pair(pix + "shot", 0L));
 }
 
 TEST(VkFilename, CompressedFormAndImageHookAreTriedAfterThePlainName) {
@@ -115,23 +111,19 @@ TEST(VkFilename, CompressedFormAndImageHookAreTriedAfterThePlainName) {
     qvOS::Filename::makeDir(pix);
     qvOS::Filename::makeDir(mask);
     TempDir::write(pix + "shot.0012.Z", "z");
-    EXPECT_EQ(found(VK_Filename("shot.0012", PIX_DATA)), pix + "shot.0012.Z");
+    EXPECT_EQ(found(VK_Filename("shot.0012", PIX_DATA)).first, pix + "shot.0012.Z");
     TempDir::write(pix + "still.Z", "z");
-    EXPECT_EQ(found(VK_Filename("still", PIX_DATA)), pix + "still.Z");
+    EXPECT_EQ(found(VK_Filename("still", PIX_DATA)).first, pix + "still.Z");
 
     rtbInit_Ar_expand_pixname(pixnameHook);
     TempDir::write(mask + "matte.002.img", "m");
     TempDir::write(project.dir("wire") + "matte.002.img", "m");
-    long answer = 0;
-    EXPECT_EQ(found(VK_Filename("matte.2", MASK_DATA), &answer), mask + "matte.002.img");
-    EXPECT_EQ(answer, 1);
+    EXPECT_EQ(found(VK_Filename("matte.2", MASK_DATA)), std::pair(mask + "matte.002.img", 1L));
     EXPECT_EQ(pixnameFrame, 1);
     // Only images and masks ask the hook.
-    found(VK_Filename("matte.2", WIRE_DATA), &answer);
-    EXPECT_EQ(answer, 0);
+    EXPECT_EQ(found(VK_Filename("matte.2", WIRE_DATA)).second, 0);
     rtbInit_Ar_expand_pixname(nullptr);
-    found(VK_Filename("matte.2", MASK_DATA), &answer);
-    EXPECT_EQ(answer, 0);
+    EXPECT_EQ(found(VK_Filename("matte.2", MASK_DATA)).second, 0);
 }
 
 TEST(VkFilename, DebugPrintsExpansionOnlyWhenNothingWasFound) {
@@ -170,13 +162,9 @@ TEST(VkFilename, HostileNamesGiveDocumentedAnswersWithinTheBuffer) {
                                                   {"\"", 0},
                                                   {"", 0}};
     for (const auto& [name, expected] : names) {
-        long answer = -1;
-        found(VK_Filename(name.c_str(), PIX_DATA), &answer);
-        EXPECT_EQ(answer, expected) << name.size();
+        EXPECT_EQ(found(VK_Filename(name.c_str(), PIX_DATA)).second, expected) << name.size();
     }
-    long answer = 1;
-    found(VK_Filename("a.pix", 99), &answer);
-    EXPECT_EQ(answer, 0);
+    EXPECT_EQ(found(VK_Filename("a.pix", 99)).second, 0);
     EXPECT_EQ(reports.texts().back(), "expand_filename: no project directory for data type 99");
     EXPECT_EQ(VK_Filename().Filename(nullptr), 0);
 }

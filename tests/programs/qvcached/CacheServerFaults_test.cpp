@@ -67,11 +67,7 @@ struct Faults : ::testing::Test {
         std::ofstream(path, std::ios::binary) << std::string(bytes, 'x');
         return cache.add(key, path) ? path : std::string();
     }
-    qvOS::ProcessId ownerPid() const { return qvcachedtest::ownerPid(dir.path); }
     void waitForServerExit() const { qvcachedtest::waitForServerExit(dir.path); }
-    static void waitForServerExit(const fs::path& cacheDir) {
-        qvcachedtest::waitForServerExit(cacheDir);
-    }
     // The probe's sign that it holds its item.
     void waitReady() const {
         const std::string ready = dir.str() + ".ready";
@@ -104,13 +100,7 @@ TEST_F(Faults, ColdStartRaceLosesNoEntryAcrossRounds) {
 }
 
 TEST_F(Faults, EveryBadLockFileFallsBackToAWorkingServerInBoundedTime) {
-    int deadPort = 0;
-    {
-        qvTCP::Server gone(-1, 1);
-        gone.setLoopbackOnly();
-        gone.listen();
-        deadPort = gone.getPort();
-    }
+    const int deadPort = obrix::test::deadLoopbackPort();
     qvTCP::Server silent(-1, 4); // listens, never accepts: connections wait in its backlog
     silent.setLoopbackOnly();
     ASSERT_TRUE(silent.listen().isOk());
@@ -156,7 +146,7 @@ TEST_F(Faults, EveryBadLockFileFallsBackToAWorkingServerInBoundedTime) {
             EXPECT_FALSE(addFile(cache, "k").empty());
             EXPECT_TRUE(cache.find("k"));
         }
-        waitForServerExit(cacheDir.path);
+        qvcachedtest::waitForServerExit(cacheDir.path);
     }
     sender.join();
 }
@@ -170,7 +160,7 @@ TEST_F(Faults, AKilledServerIsReplacedAndForgetsNothing) {
     auto held = first.find("kept");
     const qvOS::ProcessId looper = probe("loop", "kept", 1000000);
     std::this_thread::sleep_for(std::chrono::milliseconds(300));
-    const qvOS::ProcessId owner = ownerPid();
+    const qvOS::ProcessId owner = qvcachedtest::ownerPid(dir.path);
     ASSERT_GT(owner, 0);
     ASSERT_TRUE(ProcessManager::kill(owner).isOk());
     EXPECT_EQ(finish(looper), 5); // the server went away in the middle of its loop
@@ -234,22 +224,13 @@ TEST_F(Faults, AFullDiskNeverLeadsToAServedTruncatedFile) {
         fs::resize_file(small, 10);
         EXPECT_FALSE(cache.find("small"));
     }
-    waitForServerExit(mountPoint / "cache");
+    qvcachedtest::waitForServerExit(mountPoint / "cache");
     ProcessManager::runSync("/bin/umount", {mountPoint.string()}, {}, result);
     EXPECT_EQ(result.exitCode, 0);
 }
 
 TEST_F(Faults, OperatorCommandsReportAndClearOnlyAnIdleCache) {
-    const qvString::CString qvcached = qvOS::AppMain::getBinaryPath("qvcached");
-    auto run = [&](std::vector<qvString::CString> args, std::string& out) {
-        qvOS::ProcessOptions options;
-        options.captureStdout = true;
-        options.timeoutSeconds = 20;
-        qvOS::ProcessResult result;
-        ProcessManager::runSync(qvcached, args, options, result);
-        out = result.stdoutText;
-        return result.exitCode;
-    };
+    using qvcachedtest::runQvcached;
     std::string out;
     {
         FileCache cache;
@@ -257,20 +238,20 @@ TEST_F(Faults, OperatorCommandsReportAndClearOnlyAnIdleCache) {
         ASSERT_FALSE(addFile(cache, "a", 100).empty());
         EXPECT_TRUE(cache.find("a"));
         EXPECT_FALSE(cache.find("b"));
-        EXPECT_EQ(run({"--clear", dir.str()}, out), 1); // in use
+        EXPECT_EQ(runQvcached({"--clear", dir.str()}, out), 1); // in use
         EXPECT_TRUE(cache.find("a"));
     }
     waitForServerExit();
     // A configured tier adds its own lines after these (counted by the remote tier's tests).
     const bool remote = std::getenv("OBRIX_TEST_REMOTE_URL") != nullptr;
     auto expectStats = [&](const std::string& local) {
-        EXPECT_EQ(run({"--stats", dir.str()}, out), 0);
+        EXPECT_EQ(runQvcached({"--stats", dir.str()}, out), 0);
         EXPECT_EQ(out.substr(0, remote ? local.size() : std::string::npos), local);
     };
     expectStats("entries: 1\nbytes: 100\nhits: 2\nmisses: 1\nevictions: 0\n");
-    EXPECT_EQ(run({"--clear", dir.str()}, out), 0);
+    EXPECT_EQ(runQvcached({"--clear", dir.str()}, out), 0);
     expectStats("entries: 0\nbytes: 0\nhits: 2\nmisses: 1\nevictions: 0\n");
-    EXPECT_EQ(run({"--port", "nope"}, out), 2);
-    EXPECT_EQ(run({"--help"}, out), 0);
+    EXPECT_EQ(runQvcached({"--port", "nope"}, out), 2);
+    EXPECT_EQ(runQvcached({"--help"}, out), 0);
     EXPECT_NE(out.find("--stats DIR"), std::string::npos);
 }

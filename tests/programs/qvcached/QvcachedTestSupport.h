@@ -8,7 +8,9 @@
 #include <fstream>
 #include <string>
 #include <thread>
+#include <vector>
 
+#include "Base/qvOS/AppMain.h"
 #include "Base/qvOS/Process.h"
 #include "Base/qvTCP/Socket.h"
 #include "tests/ObrixBase/filecache/CacheServerDouble.h"
@@ -35,6 +37,17 @@ inline void waitForServerExit(const std::filesystem::path& cacheDir) {
             break;
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
     }
+}
+
+/// Runs the build's qvcached with `args` (at most 20 s); its standard output goes to `out`.
+inline int runQvcached(const std::vector<qvString::CString>& args, std::string& out) {
+    qvOS::ProcessOptions options;
+    options.captureStdout = true;
+    options.timeoutSeconds = 20;
+    qvOS::ProcessResult result;
+    qvOS::ProcessManager::runSync(qvOS::AppMain::getBinaryPath("qvcached"), args, options, result);
+    out = result.stdoutText.c_str();
+    return result.exitCode;
 }
 
 /// A redis-server of its own: loopback only, nothing saved, in a scratch directory, on a port

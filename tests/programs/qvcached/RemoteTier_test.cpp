@@ -14,7 +14,6 @@
 #include <hiredis/hiredis.h>
 #endif
 
-#include "Base/qvOS/AppMain.h"
 #include "Base/qvOS/Env.h"
 #include "ObrixBase/filecache/FileCache.h"
 #include "programs/qvcached/RemoteTier.h"
@@ -210,13 +209,9 @@ struct RemoteTier : ::testing::Test {
         return n;
     }
     static std::string stats(const fs::path& dir) {
-        qvOS::ProcessOptions options;
-        options.captureStdout = true;
-        options.timeoutSeconds = 20;
-        qvOS::ProcessResult result;
-        qvOS::ProcessManager::runSync(qvOS::AppMain::getBinaryPath("qvcached"),
-                                      {"--stats", dir.string().c_str()}, options, result);
-        return result.stdoutText.c_str();
+        std::string out;
+        qvcachedtest::runQvcached({"--stats", dir.string().c_str()}, out);
+        return out;
     }
 };
 

@@ -14,15 +14,6 @@ VeskoWarningParams warning(qv::vector<CString> buttons) {
     return {"Export", {"Overwrite part.obx?"}, std::move(buttons), {"/a/part.obx"}, ""};
 }
 
-std::string readBack(std::FILE* f) {
-    std::rewind(f);
-    std::string text;
-    for (int c; (c = std::fgetc(f)) != EOF;)
-        text += static_cast<char>(c);
-    std::fclose(f);
-    return text;
-}
-
 TEST(VeskoWarningProgram, ScriptedAnswersNameALabelFirstThenAnIndex) {
     VeskoWarningParams p = warning({"Keep", "2", "Keep", "Replace"});
     const std::pair<const char*, int> good[] = {{"Keep", 0}, {"Replace", 3}, {"2", 1},
@@ -60,13 +51,14 @@ TEST(VeskoWarningProgram, TheTerminalShowsNumberedButtonsAndRereadsBadAnswers) {
         std::FILE* in = std::tmpfile();
         std::fputs(c.typed.c_str(), in);
         std::rewind(in);
-        std::FILE* out = std::tmpfile();
-        EXPECT_EQ(veskoWarning::askOnTerminal(p, in, out), c.answer) << c.typed;
+        testing::internal::CaptureStdout();
+        EXPECT_EQ(veskoWarning::askOnTerminal(p, in, stdout), c.answer) << c.typed;
         std::fclose(in);
         std::string expected = shown;
         for (int i = 0; i < c.prompts; ++i)
             expected += prompt;
-        EXPECT_EQ(readBack(out), expected + (c.answer == -1 ? "\n" : "")) << c.typed;
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), expected + (c.answer == -1 ? "\n" : ""))
+            << c.typed;
     }
 }
 

@@ -30,32 +30,6 @@ protected:
     int cancelRequested() override { return ++asked >= 3; }
 };
 
-// The debug printer's text while the trace tests run, read back from a scratch stream.
-class DebugOutput {
-public:
-    DebugOutput() : file_(std::tmpfile()) {
-        previousMode_ = AA_get_print_out(nullptr);
-        AA_set_print_out(AA_OUTPUT_STREAM, file_);
-    }
-    ~DebugOutput() {
-        AA_set_print_out(previousMode_ == AA_OUTPUT_STDOUT ? AA_OUTPUT_STDOUT : AA_OUTPUT_STDERR,
-                         nullptr);
-        std::fclose(file_);
-    }
-    std::string text() {
-        std::fflush(file_);
-        std::rewind(file_);
-        std::string s;
-        for (int c; (c = std::fgetc(file_)) != EOF;)
-            s += static_cast<char>(c);
-        return s;
-    }
-
-private:
-    std::FILE* file_;
-    AA_Debug_output previousMode_;
-};
-
 void inner() {
     TdebugTrace t("inner");
     t.note("x = %d", 4);
@@ -97,7 +71,8 @@ TEST(TbaseReporter, SubclassesReceiveWhatTheOperationReports) {
 }
 
 TEST(TdebugTrace, IndentsNestedScopesAndBalancesWhenTurnedOffMidway) {
-    DebugOutput out;
+    AA_set_print_out(AA_OUTPUT_STDOUT, nullptr);
+    testing::internal::CaptureStdout();
     const int indent = AA_get_indent();
     {
         TdebugTrace outer("outer");
@@ -108,9 +83,11 @@ TEST(TdebugTrace, IndentsNestedScopesAndBalancesWhenTurnedOffMidway) {
         TdebugTrace::setEnabled(true); // outer still leaves, silent stays silent
     }
     EXPECT_EQ(AA_get_indent(), indent);
-    EXPECT_EQ(out.text(), "Enter outer\n"
-                          "   Enter inner\n"
-                          "      x = 4\n"
-                          "   Leave inner\n"
-                          "Leave outer\n");
+    std::fflush(stdout);
+    AA_set_print_out(AA_OUTPUT_STDERR, nullptr);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Enter outer\n"
+                                                      "   Enter inner\n"
+                                                      "      x = 4\n"
+                                                      "   Leave inner\n"
+                                                      "Leave outer\n");
 }
