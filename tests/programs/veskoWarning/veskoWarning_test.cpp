@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <future>
 #include <string>
 #include <thread>
@@ -111,6 +112,15 @@ bool exists(const CString& path) {
     return qvOS::File::query(path, info).isOk() && info.exists;
 }
 
+// True when display n's lock file names process pid and its socket is there: the server
+// started for display n is the one that holds it, and it takes connections.
+bool ownsDisplay(int n, qvOS::ProcessId pid) {
+    std::ifstream lock(CString::format("/tmp/.X%d-lock", n).c_str());
+    long long holder = 0;
+    return lock >> holder && holder == static_cast<long long>(pid) &&
+           exists(CString::format("/tmp/.X11-unix/X%d", n));
+}
+
 CString tool(const std::vector<CString>& command) {
     int status = 0;
     CString out = run(command[0], {command.begin() + 1, command.end()}, "", status);
@@ -121,26 +131,38 @@ TEST(VeskoWarningDesktop, TheDialogShowsTheWarningAndAnswersTheButtonPressed) {
     if (tool({"sh", "-c", "command -v xdotool && command -v import && command -v identify"})
             .empty())
         GTEST_SKIP() << "xdotool or imagemagick is missing: scripts/deps.sh desktop installs them";
-    // An X server of this test's own, on the first display number nobody holds.
+    // An X server of this test's own, on the first display number nobody holds. Another test
+    // run may pick the same number at the same moment: the server is ours only once the
+    // display's lock file names its process, else the next free number is tried.
     qvOS::ProcessId xvfb = 0;
-    int n = 71;
-    while (n < 99 && (exists(CString::format("/tmp/.X%d-lock", n)) ||
-                      exists(CString::format("/tmp/.X11-unix/X%d", n))))
-        ++n;
-    ProcessManager::startAsync(
-        "Xvfb", {CString::format(":%d", n), "-screen", "0", "1024x768x24", "-nolisten", "tcp"}, "",
-        &xvfb);
-    for (int i = 0; i < 100 && xvfb && ProcessManager::isAlive(xvfb) &&
-                    !exists(CString::format("/tmp/.X11-unix/X%d", n));
-         ++i)
-        std::this_thread::sleep_for(std::chrono::milliseconds(100));
-    if (!xvfb || !ProcessManager::isAlive(xvfb))
-        GTEST_SKIP() << "no X server could be started (Xvfb: scripts/deps.sh desktop)";
     auto stopXvfb = [&] {
         qvOS::ProcessResult ignored;
         ProcessManager::kill(xvfb);
         ProcessManager::wait(xvfb, 10, ignored);
     };
+    int n = 71, tries = 0;
+    bool ready = false;
+    for (; n < 99 && tries < 5; ++n) {
+        if (exists(CString::format("/tmp/.X%d-lock", n)) ||
+            exists(CString::format("/tmp/.X11-unix/X%d", n)))
+            continue;
+        ++tries;
+        xvfb = 0;
+        ProcessManager::startAsync(
+            "Xvfb", {CString::format(":%d", n), "-screen", "0", "1024x768x24", "-nolisten", "tcp"},
+            "", &xvfb);
+        if (!xvfb)
+            break;
+        for (int i = 0; i < 100 && !ready && ProcessManager::isAlive(xvfb); ++i) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+            ready = ownsDisplay(n, xvfb);
+        }
+        if (ready)
+            break;
+        stopXvfb();
+    }
+    if (!ready)
+        GTEST_SKIP() << "no X server could be started (Xvfb: scripts/deps.sh desktop)";
     ScopedEnv display("DISPLAY", CString::format(":%d", n).c_str());
     ScopedEnv unscripted("VESKO_WARNING_ANSWER", nullptr);
 
