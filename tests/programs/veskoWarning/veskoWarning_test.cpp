@@ -112,13 +112,12 @@ bool exists(const CString& path) {
     return qvOS::File::query(path, info).isOk() && info.exists;
 }
 
-// True when display n's lock file names process pid and its socket is there: the server
-// started for display n is the one that holds it, and it takes connections.
-bool ownsDisplay(int n, qvOS::ProcessId pid) {
+// The process display n's lock file names, 0 when there is none. A lock whose process is gone
+// is stale: the X server that starts next replaces it.
+long long displayHolder(int n) {
     std::ifstream lock(CString::format("/tmp/.X%d-lock", n).c_str());
     long long holder = 0;
-    return lock >> holder && holder == static_cast<long long>(pid) &&
-           exists(CString::format("/tmp/.X11-unix/X%d", n));
+    return lock >> holder ? holder : 0;
 }
 
 CString tool(const std::vector<CString>& command) {
@@ -131,20 +130,26 @@ TEST(VeskoWarningDesktop, TheDialogShowsTheWarningAndAnswersTheButtonPressed) {
     if (tool({"sh", "-c", "command -v xdotool && command -v import && command -v identify"})
             .empty())
         GTEST_SKIP() << "xdotool or imagemagick is missing: scripts/deps.sh desktop installs them";
-    // An X server of this test's own, on the first display number nobody holds. Another test
-    // run may pick the same number at the same moment: the server is ours only once the
-    // display's lock file names its process, else the next free number is tried.
+    // An X server of this test's own, on the first display number no living server holds.
+    // Another test run may pick the same number at the same moment: the server is ours only
+    // once the display's lock names it, else the next number is tried. Killed servers leave
+    // their lock and socket behind, so the test removes its own.
     qvOS::ProcessId xvfb = 0;
+    int n = 71;
     auto stopXvfb = [&] {
         qvOS::ProcessResult ignored;
         ProcessManager::kill(xvfb);
         ProcessManager::wait(xvfb, 10, ignored);
+        if (displayHolder(n) == static_cast<long long>(xvfb)) {
+            std::error_code ignoredError;
+            std::filesystem::remove(CString::format("/tmp/.X11-unix/X%d", n).c_str(), ignoredError);
+            std::filesystem::remove(CString::format("/tmp/.X%d-lock", n).c_str(), ignoredError);
+        }
     };
-    int n = 71, tries = 0;
     bool ready = false;
-    for (; n < 99 && tries < 5; ++n) {
-        if (exists(CString::format("/tmp/.X%d-lock", n)) ||
-            exists(CString::format("/tmp/.X11-unix/X%d", n)))
+    for (int tries = 0; n < 99 && tries < 5; ++n) {
+        const long long holder = displayHolder(n);
+        if (holder && ProcessManager::isAlive(holder))
             continue;
         ++tries;
         xvfb = 0;
@@ -155,7 +160,8 @@ TEST(VeskoWarningDesktop, TheDialogShowsTheWarningAndAnswersTheButtonPressed) {
             break;
         for (int i = 0; i < 100 && !ready && ProcessManager::isAlive(xvfb); ++i) {
             std::this_thread::sleep_for(std::chrono::milliseconds(100));
-            ready = ownsDisplay(n, xvfb);
+            ready = displayHolder(n) == static_cast<long long>(xvfb) &&
+                    exists(CString::format("/tmp/.X11-unix/X%d", n));
         }
         if (ready)
             break;
