@@ -58,6 +58,41 @@ private:
     alignas(void*) unsigned char body_[2 * sizeof(void*)];
 };
 
+/// Owns one connection and cuts it when it is destroyed or given another: for a receiver
+/// that is no SignalClient but must not be called after its own death, such as a member of
+/// the receiver. Moving hands the connection over; there are no copies, since a copy's death
+/// would cut the connection under its twin.
+class ScopedConnection {
+public:
+    /// Owns no connection.
+    ScopedConnection() noexcept = default;
+    /// Takes over `connection`.
+    ScopedConnection(const Connection& connection) noexcept : connection_(connection) {}
+    ScopedConnection(ScopedConnection&& other) noexcept : connection_(other.release()) {}
+    /// Cuts the connection held so far, then takes over `other`'s.
+    ScopedConnection& operator=(ScopedConnection&& other) {
+        if (this != &other) {
+            connection_.disconnect();
+            connection_ = other.release();
+        }
+        return *this;
+    }
+    ScopedConnection(const ScopedConnection&) = delete;
+    ScopedConnection& operator=(const ScopedConnection&) = delete;
+    /// Cuts the connection.
+    ~ScopedConnection() { connection_.disconnect(); }
+
+    /// Gives the connection up without cutting it; this object then owns none.
+    Connection release() noexcept { return std::exchange(connection_, Connection()); }
+    /// Cuts the connection now.
+    void disconnect() const { connection_.disconnect(); }
+    /// True while the owned connection stands.
+    bool connected() const { return connection_.connected(); }
+
+private:
+    Connection connection_;
+};
+
 /// The receiving side of connections. Functions connected through a client are cut off when
 /// the client is destroyed or `disconnectAll()` is called. A copy of a client is a new client:
 /// the original's connections stay with the original.

@@ -52,3 +52,24 @@ TEST(Signal, AClientsDeathCutsItsConnectionsOnlyAndACopyIsANewClient) {
     signal.send();
     EXPECT_EQ(cut, 2);
 }
+
+TEST(Signal, AScopedConnectionCutsWhatItOwnsWhenItDiesOrIsReplaced) {
+    qvRTB::SignalVoid signal;
+    int first = 0, second = 0;
+    qvRTB::Connection kept;
+    {
+        qvRTB::ScopedConnection owner(signal.connect([&] { ++first; }));
+        qvRTB::ScopedConnection moved(std::move(owner));
+        EXPECT_FALSE(owner.connected());
+        signal.send();
+        moved = qvRTB::ScopedConnection(signal.connect([&] { ++second; })); // cuts the first
+        signal.send();
+        qvRTB::ScopedConnection released(signal.connect([&] { ++second; }));
+        kept = released.release();
+    }
+    signal.send(); // only the released connection is left
+    EXPECT_EQ(first, 1);
+    EXPECT_EQ(second, 2);
+    EXPECT_TRUE(kept.connected());
+    EXPECT_EQ(signal.numConnections(), 1u);
+}
