@@ -58,6 +58,9 @@ void tourMemory() {
                 qvObrixBase::titleCase("a step-by-step guide to NURBS surfaces: the basics of "
                                        "trimming")
                     .c_str());
+    // Sentence case lowers every first letter but a sentence's; words with capitals inside
+    // (iPhone, NURBS) are names and stay as they are.
     std::printf("sentence: %s\n",
-                qvObrixBase::sentenceCase("THE iPhone VIEW IS Ready. Open It Now").c_str());
+                qvObrixBase::sentenceCase("the NURBS View Is Ready. open It on the iPhone")
+                    .c_str());
 }
