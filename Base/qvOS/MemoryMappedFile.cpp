@@ -52,4 +52,30 @@ qvUtil::Error MemoryMappedFile::openFile(const qvString::CString& path, bool wri
     return mapFile(path, 0, false, writable);
 }
 
+qvUtil::Error MemoryMappedFile::createAnonymous(std::uint64_t size) {
+    unmap();
+    if (size == 0 || size > std::numeric_limits<std::size_t>::max())
+        return {OSError::InvalidArgument,
+                "Cannot map %llu bytes of scratch memory: the size must be between 1 and the "
+                "address space",
+                static_cast<unsigned long long>(size)};
+    return mapAnonymous(size);
+}
+
+qvUtil::Error MemoryMappedFile::checkFileSize(const char* what, const qvString::CString& path,
+                                              std::uint64_t fileSize) {
+    if (fileSize == 0)
+        return detail::pathError(OSError::InvalidArgument, what, path,
+                                 "the file is empty; there is nothing to map");
+    if (fileSize > std::numeric_limits<std::size_t>::max())
+        return detail::pathError(OSError::InvalidArgument, what, path,
+                                 "the file is larger than this process's address space");
+    return {};
+}
+
+qvString::CString MemoryMappedFile::scratchName(std::uint64_t size) {
+    return qvString::CString::format("%llu bytes of scratch memory",
+                                     static_cast<unsigned long long>(size));
+}
+
 } // namespace qvOS

@@ -52,8 +52,16 @@ public:
     const qvString::CString& path() const noexcept { return path_; }
 
 private:
+    // The systems' parts: the callers have checked the path and the size.
     qvUtil::Error mapFile(const qvString::CString& path, std::uint64_t size, bool create,
                           bool writable);
+    qvUtil::Error mapAnonymous(std::uint64_t size);
+    // The error for an existing file of fileSize bytes that cannot be mapped whole (empty, or
+    // beyond the address space); none when it can.
+    static qvUtil::Error checkFileSize(const char* what, const qvString::CString& path,
+                                       std::uint64_t fileSize);
+    // How messages name a scratch mapping of size bytes.
+    static qvString::CString scratchName(std::uint64_t size);
 
     void* data_ = nullptr;
     std::uint64_t size_ = 0;

@@ -1,7 +1,6 @@
 #include "Base/qvOS/MemoryMappedFile.h"
 
 #include <cerrno>
-#include <limits>
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -37,13 +36,9 @@ qvUtil::Error MemoryMappedFile::mapFile(const qvString::CString& path, std::uint
         if (!S_ISREG(st.st_mode))
             return fail(
                 detail::pathError(OSError::InvalidArgument, what, path, "not a regular file"));
-        if (st.st_size == 0)
-            return fail(detail::pathError(OSError::InvalidArgument, what, path,
-                                          "the file is empty; there is nothing to map"));
         size = static_cast<std::uint64_t>(st.st_size);
-        if (size > std::numeric_limits<std::size_t>::max())
-            return fail(detail::pathError(OSError::InvalidArgument, what, path,
-                                          "the file is larger than this process's address space"));
+        if (auto e = checkFileSize(what, path, size); e.isError())
+            return fail(e);
     }
     int prot = PROT_READ | (writable ? PROT_WRITE : 0);
     void* p = ::mmap(nullptr, static_cast<std::size_t>(size), prot, MAP_SHARED, fd, 0);
@@ -57,19 +52,11 @@ qvUtil::Error MemoryMappedFile::mapFile(const qvString::CString& path, std::uint
     return {};
 }
 
-qvUtil::Error MemoryMappedFile::createAnonymous(std::uint64_t size) {
-    unmap();
-    if (size == 0 || size > std::numeric_limits<std::size_t>::max())
-        return {OSError::InvalidArgument,
-                "Cannot map %llu bytes of scratch memory: the size must be between 1 and the "
-                "address space",
-                static_cast<unsigned long long>(size)};
+qvUtil::Error MemoryMappedFile::mapAnonymous(std::uint64_t size) {
     void* p = ::mmap(nullptr, static_cast<std::size_t>(size), PROT_READ | PROT_WRITE,
                      MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (p == MAP_FAILED)
-        return detail::lastSystemError(
-            "Cannot map", qvString::CString::format("%llu bytes of scratch memory",
-                                                    static_cast<unsigned long long>(size)));
+        return detail::lastSystemError("Cannot map", scratchName(size));
     data_ = p;
     size_ = size;
     return {};

@@ -1,6 +1,5 @@
 #include "Base/qvOS/MemoryMappedFile.h"
 
-#include <limits>
 
 #include <windows.h>
 
@@ -33,13 +32,9 @@ qvUtil::Error MemoryMappedFile::mapFile(const qvString::CString& path, std::uint
         LARGE_INTEGER fileSize;
         if (!GetFileSizeEx(file, &fileSize))
             return fail(detail::lastSystemError(what, path));
-        if (fileSize.QuadPart == 0)
-            return fail(detail::pathError(OSError::InvalidArgument, what, path,
-                                          "the file is empty; there is nothing to map"));
         size = static_cast<std::uint64_t>(fileSize.QuadPart);
-        if (size > std::numeric_limits<std::size_t>::max())
-            return fail(detail::pathError(OSError::InvalidArgument, what, path,
-                                          "the file is larger than this process's address space"));
+        if (auto e = checkFileSize(what, path, size); e.isError())
+            return fail(e);
     }
     // With a size larger than the file, the mapping object extends the file with zeros.
     mapping = CreateFileMappingA(file, nullptr, writable ? PAGE_READWRITE : PAGE_READONLY,
@@ -58,26 +53,16 @@ qvUtil::Error MemoryMappedFile::mapFile(const qvString::CString& path, std::uint
     return {};
 }
 
-qvUtil::Error MemoryMappedFile::createAnonymous(std::uint64_t size) {
-    unmap();
-    if (size == 0 || size > std::numeric_limits<std::size_t>::max())
-        return {OSError::InvalidArgument,
-                "Cannot map %llu bytes of scratch memory: the size must be between 1 and the "
-                "address space",
-                static_cast<unsigned long long>(size)};
+qvUtil::Error MemoryMappedFile::mapAnonymous(std::uint64_t size) {
     // Backed by the page file; unnamed, so no other process can open it.
     HANDLE mapping =
         CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE,
                            static_cast<DWORD>(size >> 32), static_cast<DWORD>(size), nullptr);
     if (!mapping)
-        return detail::lastSystemError(
-            "Cannot map", qvString::CString::format("%llu bytes of scratch memory",
-                                                    static_cast<unsigned long long>(size)));
+        return detail::lastSystemError("Cannot map", scratchName(size));
     void* view = MapViewOfFile(mapping, FILE_MAP_WRITE, 0, 0, static_cast<SIZE_T>(size));
     if (!view) {
-        qvUtil::Error e = detail::lastSystemError(
-            "Cannot map", qvString::CString::format("%llu bytes of scratch memory",
-                                                    static_cast<unsigned long long>(size)));
+        qvUtil::Error e = detail::lastSystemError("Cannot map", scratchName(size));
         CloseHandle(mapping);
         return e;
     }
