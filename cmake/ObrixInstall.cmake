@@ -1,7 +1,8 @@
 # Install rules, the CMake package (find_package(ObrixBase) -> ObrixBase::ObrixBase)
-# and the pkg-config file. Two components, one per Debian package (cmake/ObrixPackage.cmake):
-# Runtime (the shared libraries and the helper programs they start) and Development
-# (headers, link names, the CMake and pkg-config files, the debugger's printers).
+# and the pkg-config file. Three components, one per Debian package (cmake/ObrixPackage.cmake):
+# Runtime (the shared libraries), Helpers (the helper programs the libraries start, which pull
+# in GTK, SQLite and hiredis) and Development (headers, link names, the CMake and pkg-config
+# files, the debugger's printers).
 include(CMakePackageConfigHelpers)
 
 install(TARGETS Base ObrixBase EXPORT ObrixBaseTargets
