@@ -19,6 +19,7 @@
 #include <thread>
 #include <utility>
 #include <vector>
+#include <vector>
 
 #include <hiredis/hiredis.h>
 #include <openssl/evp.h>
@@ -121,6 +122,28 @@ private:
             return false;
         }
         redisSetTimeout(context_, timeout);
+        if (!config_.password.empty()) {
+            std::vector<const char*> argv{"AUTH"};
+            std::vector<std::size_t> lengths{4};
+            for (const std::string* part : {&config_.user, &config_.password}) {
+                if (part->empty())
+                    continue;
+                argv.push_back(part->data());
+                lengths.push_back(part->size());
+            }
+            Reply accepted(static_cast<redisReply*>(redisCommandArgv(
+                context_, static_cast<int>(argv.size()), argv.data(), lengths.data())));
+            if (!accepted || accepted->type == REDIS_REPLY_ERROR) {
+                // The server's answer names the cause ("WRONGPASS ...") without the password.
+                error = "cannot authenticate as " +
+                        (config_.user.empty() ? std::string("the default user") : config_.user) +
+                        ": " +
+                        (accepted ? std::string(accepted->str, accepted->len)
+                                  : std::string(context_->errstr));
+                drop();
+                return false;
+            }
+        }
         if (config_.database != 0) {
             Reply selected(
                 static_cast<redisReply*>(redisCommand(context_, "SELECT %d", config_.database)));

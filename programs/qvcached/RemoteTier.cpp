@@ -51,6 +51,9 @@ qvUtil::Error parseRemoteUrl(const std::string& url, RemoteConfig& config) {
     if (url.compare(0, scheme.size(), scheme) != 0)
         return bad("it does not start with redis://");
     std::string rest = url.substr(scheme.size());
+    // The URL is printed by --stats and in the log; credentials have settings of their own.
+    if (rest.find('@') != std::string::npos)
+        return bad("a user or password goes in the user and password settings, not in the URL");
     std::string db;
     if (const auto slash = rest.find('/'); slash != std::string::npos) {
         db = rest.substr(slash + 1);
@@ -100,7 +103,11 @@ qvUtil::Error loadRemoteConfig(const std::filesystem::path& directory,
             continue;
         const auto equals = text.find('=');
         const std::string key = trim(text.substr(0, equals));
-        const std::string value = equals == std::string::npos ? "" : trim(text.substr(equals + 1));
+        // A password may hold '#': it is the rest of the raw line.
+        const std::string value =
+            equals == std::string::npos ? ""
+            : key == "password"         ? trim(line.substr(line.find('=') + 1))
+                                        : trim(text.substr(equals + 1));
         auto bad = [&](const std::string& why) {
             return qvUtil::Error(1, "%s line %d: %s", file.string().c_str(), number, why.c_str());
         };
@@ -111,6 +118,11 @@ qvUtil::Error loadRemoteConfig(const std::filesystem::path& directory,
             if (auto err = parseRemoteUrl(value, read); err.isError())
                 return bad(err.message().c_str());
             haveUrl = true;
+        } else if (key == "user" || key == "password") {
+            for (char c : value)
+                if (std::iscntrl(static_cast<unsigned char>(c)))
+                    return bad("the " + key + " has a control character");
+            (key == "user" ? read.user : read.password) = value;
         } else if (key == "prefix") {
             for (char c : value)
                 if (std::isspace(static_cast<unsigned char>(c)))

@@ -28,6 +28,10 @@ struct RemoteConfig {
     std::string host;
     int port = 6379;
     int database = 0;
+    /// Sent with AUTH after every connect when not empty; `user` names an ACL user of Redis 6
+    /// and later (empty: the server's default user, as with requirepass).
+    std::string user;
+    std::string password;
     /// Begins every remote name, so that teams (or projects) can share one server apart.
     std::string prefix = "qvcache";
     int timeoutMs = 1000;   ///< bounds each connect and each command
@@ -54,8 +58,9 @@ inline constexpr const char* ServerLogName = "qvcached.log";
 /// Reads "redis://host[:port][/db]". Error code 1 with a one-line reason when it is malformed.
 qvUtil::Error parseRemoteUrl(const std::string& url, RemoteConfig& config);
 
-/// Reads `directory`/remote.conf: "key = value" lines (url, prefix, timeout-ms, retry-after,
-/// queue), '#' comments. Leaves `config` empty when the file is absent; error code 1 naming
+/// Reads `directory`/remote.conf: "key = value" lines (url, user, password, prefix, timeout-ms,
+/// retry-after, queue), '#' comments. A password is the rest of its line, '#' included, without
+/// the blanks around it. Leaves `config` empty when the file is absent; error code 1 naming
 /// the file and line when it is malformed or has no url.
 qvUtil::Error loadRemoteConfig(const std::filesystem::path& directory,
                                std::optional<RemoteConfig>& config);

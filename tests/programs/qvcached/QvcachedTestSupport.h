@@ -54,7 +54,8 @@ inline int runQvcached(const std::vector<qvString::CString>& args, std::string& 
 /// that was free when it was made. Stopped (killed) when it goes.
 class RedisServer {
 public:
-    RedisServer() {
+    /// A server that asks for `password` (AUTH) when it is not empty.
+    explicit RedisServer(std::string password = {}) : password_(std::move(password)) {
         {
             qvTCP::Server probe(-1, 1);
             probe.setLoopbackOnly();
@@ -74,12 +75,13 @@ public:
             return false;
         }
         const std::string logFile = (dir_.path / "redis.log").string();
-        const qvUtil::Error err = qvOS::ProcessManager::startAsync(
-            "redis-server",
-            {"--port", std::to_string(port_).c_str(), "--bind", "127.0.0.1", "--save", "",
-             "--appendonly", "no", "--dir", dir_.str().c_str(), "--logfile", logFile.c_str(),
-             "--maxmemory", "400mb", "--maxmemory-policy", "allkeys-lru"},
-            "", &pid_);
+        std::vector<qvString::CString> args{
+            "--port", std::to_string(port_).c_str(), "--bind", "127.0.0.1", "--save", "",
+            "--appendonly", "no", "--dir", dir_.str().c_str(), "--logfile", logFile.c_str(),
+            "--maxmemory", "400mb", "--maxmemory-policy", "allkeys-lru"};
+        if (!password_.empty())
+            args.insert(args.end(), {"--requirepass", password_.c_str()});
+        const qvUtil::Error err = qvOS::ProcessManager::startAsync("redis-server", args, "", &pid_);
         if (err.isError()) {
             reason_ = std::string("redis-server cannot be started: ") + err.message().c_str();
             return false;
@@ -113,6 +115,7 @@ public:
 
 private:
     obrix::test::ScratchDirectory dir_;
+    std::string password_;
     int port_ = 0;
     qvOS::ProcessId pid_ = 0;
     std::string reason_;

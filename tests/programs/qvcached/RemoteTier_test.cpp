@@ -53,10 +53,13 @@ TEST(RemoteConfig, TheFileNamesTheLineAtFault) {
     EXPECT_FALSE(config); // no file: no tier
 
     dir.write("remote.conf", "# team cache\nurl = redis://h:7000/2  # shared\nprefix = cad\n"
-                             "timeout-ms = 250\nretry-after = 5\nqueue = 8\n");
+                             "timeout-ms = 250\nretry-after = 5\nqueue = 8\nuser = cad # ACL\n"
+                             "password =  a#b c \n");
     ASSERT_TRUE(qvcached::loadRemoteConfig(dir.path, config).isOk());
     ASSERT_TRUE(config);
     EXPECT_EQ(config->url, "redis://h:7000/2");
+    EXPECT_EQ(config->user, "cad");
+    EXPECT_EQ(config->password, "a#b c");
     EXPECT_EQ(config->prefix, "cad");
     EXPECT_EQ(config->timeoutMs, 250);
     EXPECT_EQ(config->retryAfter, 5);
@@ -136,9 +139,11 @@ struct ReplyDeleter {
 };
 using Reply = std::unique_ptr<redisReply, ReplyDeleter>;
 
-// Two workstations (cache directories, each with its own qvcached) sharing one redis-server.
+// Two workstations (cache directories, each with its own qvcached) sharing one redis-server
+// that asks for a password, as a team's server on a shared network would.
 struct RemoteTier : ::testing::Test {
-    qvcachedtest::RedisServer redis;
+    static constexpr const char* Password = "team secret #1";
+    qvcachedtest::RedisServer redis{Password};
     ScratchDirectory one, two;
     std::unique_ptr<redisContext, ContextDeleter> client;
 
@@ -148,7 +153,8 @@ struct RemoteTier : ::testing::Test {
         qvOS::SetEnv("QVCACHED_IDLE_TIMEOUT", "1");
         for (const ScratchDirectory* dir : {&one, &two})
             dir->write("remote.conf",
-                       "url = " + url() + "\nprefix = t\ntimeout-ms = 500\nretry-after = 1\n");
+                       "url = " + url() + "\nprefix = t\ntimeout-ms = 500\nretry-after = 1\n" +
+                           "password = " + Password + "\n");
         connect();
     }
     void TearDown() override {
@@ -161,6 +167,7 @@ struct RemoteTier : ::testing::Test {
         const timeval second{1, 0};
         client.reset(redisConnectWithTimeout("127.0.0.1", redis.port(), second));
         ASSERT_TRUE(client && !client->err);
+        ASSERT_TRUE(command({"AUTH", Password}));
         ASSERT_TRUE(command({"SELECT", "1"}));
     }
     Reply command(const std::vector<std::string>& args) {
@@ -240,6 +247,30 @@ TEST_F(RemoteTier, AFileMadeOnOneWorkstationIsServedOnTheOtherAndCounted) {
                                    "remote errors: 0\nremote dropped: 0\n");
     qvcachedtest::waitForServerExit(one.path);
     EXPECT_NE(stats(one.path).find("remote bytes out: 300000\n"), std::string::npos);
+}
+
+// A wrong password is an unreachable tier: local work goes on, the outage is logged once and
+// the log does not hold the password.
+TEST_F(RemoteTier, AWrongPasswordLeavesTheCacheLocalWithOneWarning) {
+    two.write("remote.conf", "url = " + url() + "\nprefix = t\ntimeout-ms = 500\n" +
+                                 "password = not the team's\n");
+    {
+        FileCache b;
+        ASSERT_TRUE(b.initialize(two.str(), 0, 0).isOk());
+        for (int i = 0; i < 4; ++i)
+            EXPECT_FALSE(b.find("absent" + std::to_string(i)));
+        ASSERT_TRUE(add(b, "kept", "made while the tier refused us"));
+        EXPECT_TRUE(b.find("kept"));
+    }
+    qvcachedtest::waitForServerExit(two.path);
+    std::ifstream log(two.path / "qvcached.log");
+    const std::string text(std::istreambuf_iterator<char>(log), {});
+    EXPECT_EQ(text.find("not the team's"), std::string::npos);
+    EXPECT_NE(text.find("warning: remote tier unavailable (cannot authenticate as the default "
+                        "user: WRONGPASS"),
+              std::string::npos)
+        << text;
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 1);
 }
 
 TEST_F(RemoteTier, A100MBFileRoundTripsByteForByte) {
