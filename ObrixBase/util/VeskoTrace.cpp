@@ -10,7 +10,9 @@
 #include <fstream>
 #include <vector>
 
+#include "Base/qvOS/DirectorySearch.h"
 #include "Base/qvOS/Env.h"
+#include "Base/qvOS/File.h"
 #include "Base/qvOS/Filename.h"
 #include "Base/qvOS/MemoryMappedFile.h"
 #include "Base/qvOS/OSError.h"
@@ -417,6 +419,52 @@ void VeskoTrace::dumpLog() {
 
 void VeskoTrace::finalize() {
     level_ = 0;
+}
+
+qvUtil::Error VeskoTrace::removeOldRings(const char* directory, int keep, int* removed) {
+    int localRemoved = 0;
+    int& count = removed ? *removed : localRemoved;
+    count = 0;
+    if (!directory || keep < 0)
+        return qvUtil::Error(qvOS::OSError::InvalidArgument,
+                             "Cannot remove old trace rings: %s",
+                             directory ? "the number to keep is negative" : "no directory");
+    qvOS::DirectorySearch search;
+    if (qvUtil::Error opened = search.open(directory); opened.isError())
+        return opened;
+    struct Ended {
+        qvString::CString path;
+        std::int64_t modified;
+    };
+    std::vector<Ended> ended;
+    for (qvString::CString name; search.next(name);) {
+        if (name.size() < 16 || name.compare(0, 11, "VeskoTrace-") != 0 ||
+            name.compare(name.size() - 4, 4, ".dat") != 0)
+            continue;
+        const qvString::CString path = qvOS::Filename::join(directory, name);
+        qvOS::FileInfo info;
+        qvOS::MemoryMappedFile file;
+        Header header;
+        if (path == g.ring.path() || qvOS::File::query(path, info).isError() ||
+            file.openFile(path, false).isError() ||
+            checkHeader(path.c_str(), file.data(), file.size(), header).isError() ||
+            qvOS::ProcessManager::isAlive(header.writerProcess))
+            continue;
+        ended.push_back({path, info.modified});
+    }
+    search.close();
+    std::sort(ended.begin(), ended.end(),
+              [](const Ended& a, const Ended& b) { return a.modified > b.modified; });
+    qvUtil::Error first;
+    for (std::size_t i = static_cast<std::size_t>(keep); i < ended.size(); ++i) {
+        if (qvUtil::Error deleted = qvOS::fileDelete(ended[i].path); deleted.isError()) {
+            if (first.isOk())
+                first = deleted;
+        } else {
+            ++count;
+        }
+    }
+    return first;
 }
 
 qvUtil::Error VeskoTrace::recover(const char* path, TextCallback callback, void* context,

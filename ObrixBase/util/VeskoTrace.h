@@ -113,6 +113,15 @@ public:
     /// Sets the level to 0. The ring and its file stay as they are (dump still reads them).
     static void finalize();
 
+    /// Deletes old ring files from directory, since every initialize leaves a new one behind:
+    /// of the rings whose writing process has ended, the keep most recently written stay (they
+    /// hold what led up to a crash) and the others go. Rings of running processes, the current
+    /// ring and files that are no readable ring stay untouched. Sets *removed (may be null) to
+    /// the number deleted. Errors: null directory or negative keep (InvalidArgument), a
+    /// directory that cannot be listed, or the first file that cannot be deleted (the others
+    /// are still tried).
+    static qvUtil::Error removeOldRings(const char* directory, int keep, int* removed = nullptr);
+
     /// Reads the ring file at path, written by any process (ended or still tracing), and
     /// hands each whole record to callback, oldest first; a record that was being appended is
     /// skipped and reported in result (may be null). A ring that changes while it is copied is

@@ -1,9 +1,13 @@
 #include "ObrixBase/util/VeskoTrace.h"
 
+#include <algorithm>
+#include <chrono>
+#include <cstddef>
 #include <cstring>
 #include <ctime>
 #include <deque>
 #include <filesystem>
+#include <fstream>
 #include <random>
 #include <string>
 #include <vector>
@@ -11,6 +15,7 @@
 #include <gtest/gtest.h>
 
 #include "Base/qvOS/Env.h"
+#include "Base/qvOS/Process.h"
 #include "tests/ObrixBase/util/TraceTestSupport.h"
 #include "tests/support/TempDir.h"
 
@@ -323,4 +328,49 @@ TEST(VeskoTrace, DumpLogNamesTheFileAfterUserTagAndMinute) {
     VeskoTrace::finalize();
     VeskoTrace::dumpLog();
     EXPECT_FALSE(fs::exists(logDir)) << "nothing is written once tracing is off";
+}
+
+// Every initialize leaves a ring behind; removeOldRings keeps the newest of ended processes and
+// never touches a running writer's ring, the current ring or a file that is no ring.
+TEST(VeskoTrace, RemoveOldRingsKeepsTheNewestRingsOfEndedProcesses) {
+    TempDir dir;
+    ASSERT_TRUE(VeskoTrace::initialize(dir.path().c_str(), 512, 1));
+    const fs::path current = TempDir::fsPath(VeskoTrace::ringFile());
+    std::string ring(fs::file_size(current), '\0');
+    std::ifstream(current, std::ios::binary).read(ring.data(), std::streamsize(ring.size()));
+    // Copies made by "other processes": one still running (this one), four ended (an id no
+    // system hands out), the ended ones written a minute apart, newest first.
+    auto plant = [&](const std::string& name, std::int64_t writer, int minutesAgo) {
+        std::string bytes = ring;
+        std::memcpy(&bytes[offsetof(VeskoTrace::FileHeader, writerProcess)], &writer,
+                    sizeof writer);
+        const fs::path path = TempDir::fsPath(dir.path()) / name;
+        std::ofstream(path, std::ios::binary) << bytes;
+        fs::last_write_time(path, fs::file_time_type::clock::now() -
+                                      std::chrono::minutes(minutesAgo));
+    };
+    const std::int64_t ended = 0x7FFFFFF0;
+    for (int i = 0; i < 4; ++i)
+        plant("VeskoTrace-ended" + std::to_string(i) + ".dat", ended, 10 * (i + 1));
+    plant("VeskoTrace-running.dat", qvOS::ProcessManager::currentId(), 60);
+    std::ofstream(TempDir::fsPath(dir.path()) / "VeskoTrace-notes.dat") << "not a ring";
+    fs::last_write_time(current, fs::file_time_type::clock::now() - std::chrono::hours(2));
+
+    int removed = -1;
+    ASSERT_TRUE(VeskoTrace::removeOldRings(dir.path().c_str(), 2, &removed).isOk());
+    EXPECT_EQ(removed, 2);
+    std::vector<std::string> left;
+    for (const auto& entry : fs::directory_iterator(TempDir::fsPath(dir.path())))
+        left.push_back(entry.path().filename().string());
+    std::sort(left.begin(), left.end());
+    std::vector<std::string> expected{"VeskoTrace-ended0.dat", "VeskoTrace-ended1.dat",
+                                      "VeskoTrace-notes.dat", "VeskoTrace-running.dat",
+                                      current.filename().string()};
+    std::sort(expected.begin(), expected.end());
+    EXPECT_EQ(left, expected);
+
+    EXPECT_TRUE(VeskoTrace::removeOldRings(nullptr, 0, &removed).isError());
+    EXPECT_TRUE(VeskoTrace::removeOldRings(dir.path().c_str(), -1, &removed).isError());
+    EXPECT_TRUE(VeskoTrace::removeOldRings((dir.path() + "/missing").c_str(), 0).isError());
+    VeskoTrace::finalize();
 }
