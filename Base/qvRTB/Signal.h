@@ -68,6 +68,7 @@ public:
     ScopedConnection() noexcept = default;
     /// Takes over `connection`.
     ScopedConnection(const Connection& connection) noexcept : connection_(connection) {}
+    /// Takes over `other`'s connection; `other` then owns none.
     ScopedConnection(ScopedConnection&& other) noexcept : connection_(other.release()) {}
     /// Cuts the connection held so far, then takes over `other`'s.
     ScopedConnection& operator=(ScopedConnection&& other) {
