@@ -19,7 +19,6 @@
 #include <thread>
 #include <utility>
 #include <vector>
-#include <vector>
 
 #include <hiredis/hiredis.h>
 #include <openssl/evp.h>
