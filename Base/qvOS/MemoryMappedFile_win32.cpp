@@ -1,6 +1,5 @@
 #include "Base/qvOS/MemoryMappedFile.h"
 
-
 #include <windows.h>
 
 #include "Base/qvOS/SystemError_internal.h"

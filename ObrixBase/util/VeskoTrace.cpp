@@ -426,8 +426,7 @@ qvUtil::Error VeskoTrace::removeOldRings(const char* directory, int keep, int* r
     int& count = removed ? *removed : localRemoved;
     count = 0;
     if (!directory || keep < 0)
-        return qvUtil::Error(qvOS::OSError::InvalidArgument,
-                             "Cannot remove old trace rings: %s",
+        return qvUtil::Error(qvOS::OSError::InvalidArgument, "Cannot remove old trace rings: %s",
                              directory ? "the number to keep is negative" : "no directory");
     qvOS::DirectorySearch search;
     if (qvUtil::Error opened = search.open(directory); opened.isError())

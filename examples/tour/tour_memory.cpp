@@ -60,7 +60,7 @@ void tourMemory() {
                     .c_str());
     // Sentence case lowers every first letter but a sentence's; words with capitals inside
     // (iPhone, NURBS) are names and stay as they are.
-    std::printf("sentence: %s\n",
-                qvObrixBase::sentenceCase("the NURBS View Is Ready. open It on the iPhone")
-                    .c_str());
+    std::printf(
+        "sentence: %s\n",
+        qvObrixBase::sentenceCase("the NURBS View Is Ready. open It on the iPhone").c_str());
 }

@@ -103,11 +103,9 @@ qvUtil::Error loadRemoteConfig(const std::filesystem::path& directory,
             continue;
         const auto equals = text.find('=');
         const std::string key = trim(text.substr(0, equals));
-        // A password may hold '#': it is the rest of the raw line.
-        const std::string value =
-            equals == std::string::npos ? ""
-            : key == "password"         ? trim(line.substr(line.find('=') + 1))
-                                        : trim(text.substr(equals + 1));
+        std::string value = equals == std::string::npos ? "" : trim(text.substr(equals + 1));
+        if (key == "password" && equals != std::string::npos) // it may hold '#': the whole rest
+            value = trim(line.substr(line.find('=') + 1));
         auto bad = [&](const std::string& why) {
             return qvUtil::Error(1, "%s line %d: %s", file.string().c_str(), number, why.c_str());
         };

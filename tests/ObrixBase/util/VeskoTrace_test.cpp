@@ -346,8 +346,8 @@ TEST(VeskoTrace, RemoveOldRingsKeepsTheNewestRingsOfEndedProcesses) {
                     sizeof writer);
         const fs::path path = TempDir::fsPath(dir.path()) / name;
         std::ofstream(path, std::ios::binary) << bytes;
-        fs::last_write_time(path, fs::file_time_type::clock::now() -
-                                      std::chrono::minutes(minutesAgo));
+        fs::last_write_time(path,
+                            fs::file_time_type::clock::now() - std::chrono::minutes(minutesAgo));
     };
     const std::int64_t ended = 0x7FFFFFF0;
     for (int i = 0; i < 4; ++i)

@@ -75,10 +75,10 @@ public:
             return false;
         }
         const std::string logFile = (dir_.path / "redis.log").string();
-        std::vector<qvString::CString> args{
-            "--port", std::to_string(port_).c_str(), "--bind", "127.0.0.1", "--save", "",
-            "--appendonly", "no", "--dir", dir_.str().c_str(), "--logfile", logFile.c_str(),
-            "--maxmemory", "400mb", "--maxmemory-policy", "allkeys-lru"};
+        std::vector<qvString::CString> args{"--port", std::to_string(port_).c_str()};
+        args.insert(args.end(), {"--bind", "127.0.0.1", "--save", "", "--appendonly", "no"});
+        args.insert(args.end(), {"--dir", dir_.str().c_str(), "--logfile", logFile.c_str()});
+        args.insert(args.end(), {"--maxmemory", "400mb", "--maxmemory-policy", "allkeys-lru"});
         if (!password_.empty())
             args.insert(args.end(), {"--requirepass", password_.c_str()});
         const qvUtil::Error err = qvOS::ProcessManager::startAsync("redis-server", args, "", &pid_);

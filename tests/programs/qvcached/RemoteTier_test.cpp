@@ -152,9 +152,9 @@ struct RemoteTier : ::testing::Test {
             GTEST_SKIP() << redis.reason();
         qvOS::SetEnv("QVCACHED_IDLE_TIMEOUT", "1");
         for (const ScratchDirectory* dir : {&one, &two})
-            dir->write("remote.conf",
-                       "url = " + url() + "\nprefix = t\ntimeout-ms = 500\nretry-after = 1\n" +
-                           "password = " + Password + "\n");
+            dir->write("remote.conf", "url = " + url() +
+                                          "\nprefix = t\ntimeout-ms = 500\nretry-after = 1\n" +
+                                          "password = " + Password + "\n");
         connect();
     }
     void TearDown() override {

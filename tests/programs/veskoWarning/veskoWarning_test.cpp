@@ -63,8 +63,8 @@ TEST(VeskoWarningRoundTrip, TextsArriveIntactAndTheScriptedButtonComesBack) {
 
     const std::pair<CString, int> cases[] = {
         {p.buttons[1], 1}, {p.buttons[2], 2}, {"0", 0}, {"2", 2}, {"-1", -1}};
-    for (const auto& [spec, expected] : cases) {
-        ScopedEnv answer("VESKO_WARNING_ANSWER", spec.c_str());
+    for (const auto& [scripted, expected] : cases) {
+        ScopedEnv answer("VESKO_WARNING_ANSWER", scripted.c_str());
         EXPECT_EQ(VK_warning(p), expected);
     }
     ScopedEnv answer("VESKO_WARNING_ANSWER", "OK");
