@@ -46,13 +46,8 @@ TEST(DbFilename, DefaultTableHoldsItsRowsInOrderAndLeavesSomeTypesWithout) {
         seen.emplace_back(r->path, r->type);
     ASSERT_EQ(seen.size(), 43u);
     EXPECT_EQ(rows[43].type, -1);
-    const std::pair<int, std::pair<std::string, int>> spots[] = {{0, {"anim", 0}},
-                                                                 {2, {"pix", 21}},
-                                                                 {6, {".", 6}},
-                                                                 {9, {"..", 7}},
-                                                                 {35, {native("../.."), 22}},
-                                                                 {41, {native("../.."), 36}},
-                                                                 {42, {"reference", 46}}};
+    const std::pair<int, std::pair<std::string, int>> spots[] = {
+        {0, {"anim", 0}}, {6, {".", 6}}, {35, {native("../.."), 22}}, {42, {"reference", 46}}};
     for (const auto& [index, row] : spots)
         EXPECT_EQ(seen[index], row) << index;
 
