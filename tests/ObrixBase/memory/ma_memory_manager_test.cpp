@@ -82,9 +82,8 @@ TEST(MaMemoryManager, CountsFollowEveryKindOfAllocationAndRelease) {
 }
 
 TEST(MaMemoryManager, BlocksCrossBetweenTheAllocatorAndTheCHeap) {
+    // (Blocks released with free() behind the accounting's back are the model test's.)
     const MA_Stats before = now();
-    // Taken first: a C heap block allocated after the free() below could reuse the address
-    // the accounting still holds as live (the Windows heap does), and would then be its.
     void* theirs = std::malloc(32);
     void* plain = std::malloc(8);
     // free() takes an accounted block: there is no header in front of it.
@@ -92,9 +91,6 @@ TEST(MaMemoryManager, BlocksCrossBetweenTheAllocatorAndTheCHeap) {
     ASSERT_EQ(MA_forget(ours), 1);
     EXPECT_EQ(MA_forget(ours), 0);
     std::free(ours);
-    EXPECT_EQ(now().live_blocks, before.live_blocks);
-    std::free(MA_malloc(16, __LINE__, __FILE__)); // counted until its address comes back
-    EXPECT_EQ(now().live_blocks, before.live_blocks + 1);
 
     // MA_free takes a C heap block, counts it as foreign and leaves the live counts alone.
     rptSetDebugLevel(1);
@@ -102,13 +98,13 @@ TEST(MaMemoryManager, BlocksCrossBetweenTheAllocatorAndTheCHeap) {
     MA_free(theirs);
     rptSetDebugLevel(0);
     EXPECT_EQ(now().foreign_frees, before.foreign_frees + 1);
-    EXPECT_EQ(now().live_bytes, before.live_bytes + 16);
+    EXPECT_EQ(now().live_bytes, before.live_bytes);
     ASSERT_EQ(capture.reports().size(), 1u);
     EXPECT_EQ(capture.reports()[0].level, rptLevelDebug);
 
     // realloc of a C heap block adopts it.
     void* adopted = MA_realloc(plain, 24, __LINE__, __FILE__);
-    EXPECT_EQ(now().live_bytes, before.live_bytes + 16 + 24);
+    EXPECT_EQ(now().live_bytes, before.live_bytes + 24);
     MA_free(adopted);
     EXPECT_EQ(now().foreign_frees, before.foreign_frees + 1);
 }

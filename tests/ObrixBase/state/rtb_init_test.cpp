@@ -65,13 +65,8 @@ TEST(LateBoundHooks, StubsForwardEveryArgumentInOrderAndTheLatestRegistrationWin
     Ps_interactiveVertexCopyHack(*fake<PS_Vertex>(1), *fake<PS_Vertex>(2));
     EXPECT_EQ(calls, "ordered");
 
-    rtbInit_showLightInShaderList([](AR_LightInfo*, bool show) { calls = show ? "on" : "off"; });
-    RI_showLightInShaderList(nullptr, true);
-    EXPECT_EQ(calls, "on");
-
     rtbInit_InsertHanger(nullptr);
     rtbInit_PolysetVertexCopy(nullptr);
-    rtbInit_showLightInShaderList(nullptr);
 }
 
 TEST(CursorProcedures, TheDispatcherCallsThePrimaryThenTheListWithoutAdjacentRepeats) {

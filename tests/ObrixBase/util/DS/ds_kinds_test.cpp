@@ -44,8 +44,12 @@ protected:
         ASSERT_NE(s, nullptr);
         ASSERT_NE(s->methods, nullptr);
         m = s->methods;
+        ASSERT_EQ(m->get_type(), GetParam());
     }
-    void TearDown() override { DS_destructor(&s, nullptr, nullptr, &status); }
+    void TearDown() override {
+        EXPECT_EQ(DS_destructor(&s, nullptr, nullptr, &status), 1);
+        EXPECT_EQ(s, nullptr);
+    }
 
     void addAll(std::initializer_list<int> is) {
         for (int i : is)

@@ -19,7 +19,7 @@ protected:
     int status = -1;
 };
 
-TEST_F(RegistrationTable, AcceptsZeroAndRejectsNegativeOrTakenIdentifiers) {
+TEST_F(RegistrationTable, AcceptsZeroAndRejectsNegativeOrTakenIdentifiersAndNulls) {
     EXPECT_EQ(VK_register_item(0, &a, &table, &status), 1);
     EXPECT_EQ(status, 0);
     ASSERT_NE(table, nullptr);
@@ -31,8 +31,18 @@ TEST_F(RegistrationTable, AcceptsZeroAndRejectsNegativeOrTakenIdentifiers) {
     EXPECT_EQ(status, VK_INVALID_FUNCTION);
     EXPECT_EQ(VK_get_id_registration(0, table, &status), &a);
 
+    // Null tables and items are tolerated with an argument error.
     EXPECT_EQ(VK_register_item(1, &a, nullptr, &status), 0);
     EXPECT_EQ(status, VK_ARGUMENT_ERROR);
+    EXPECT_EQ(VK_get_id_registration(0, nullptr, &status), nullptr);
+    EXPECT_EQ(status, VK_ARGUMENT_ERROR);
+    EXPECT_EQ(VK_get_items_registration_id(&a, nullptr, &status), -1);
+    EXPECT_EQ(status, VK_ARGUMENT_ERROR);
+    EXPECT_EQ(VK_deregister_item(nullptr, table, &status), 0);
+    EXPECT_EQ(status, VK_ARGUMENT_ERROR);
+    EXPECT_EQ(VK_deregister_item(&a, nullptr, &status), 0);
+    EXPECT_EQ(status, VK_ARGUMENT_ERROR);
+    EXPECT_EQ(VK_clear_registrations(nullptr, &status), 1);
 }
 
 TEST_F(RegistrationTable, RefusedRegistrationAnswersOneOnlyWithoutStatusPointer) {
@@ -47,7 +57,7 @@ TEST_F(RegistrationTable, RefusedRegistrationAnswersOneOnlyWithoutStatusPointer)
     EXPECT_EQ(table->methods->enumerate(table, &status), 1);
 }
 
-TEST_F(RegistrationTable, LookupsFindTheFirstRegistrationOfAnItem) {
+TEST_F(RegistrationTable, LookupsFindTheFirstRegistrationAndAClearedTableIsReused) {
     VK_register_item(7, &a, &table, &status);
     VK_register_item(3, &b, &table, &status);
     VK_register_item(5, &a, &table, &status);
@@ -62,29 +72,14 @@ TEST_F(RegistrationTable, LookupsFindTheFirstRegistrationOfAnItem) {
     EXPECT_EQ(VK_get_items_registration_id(&a, table, &status), 5);
     EXPECT_EQ(table->methods->enumerate(table, &status), 2);
     EXPECT_EQ(VK_deregister_item(&c, table, &status), 0);
-}
 
-TEST_F(RegistrationTable, NullTablesAndItemsAreToleratedWithStatusOne) {
-    EXPECT_EQ(VK_get_id_registration(0, nullptr, &status), nullptr);
-    EXPECT_EQ(status, VK_ARGUMENT_ERROR);
-    EXPECT_EQ(VK_get_items_registration_id(&a, nullptr, &status), -1);
-    EXPECT_EQ(status, VK_ARGUMENT_ERROR);
-    EXPECT_EQ(VK_deregister_item(nullptr, table, &status), 0);
-    EXPECT_EQ(status, VK_ARGUMENT_ERROR);
-    EXPECT_EQ(VK_deregister_item(&a, nullptr, &status), 0);
-    EXPECT_EQ(status, VK_ARGUMENT_ERROR);
-    EXPECT_EQ(VK_clear_registrations(nullptr, &status), 1);
-}
-
-TEST_F(RegistrationTable, ClearedTableIsReusedByTheNextRegistration) {
-    VK_register_item(1, &a, &table, &status);
-    VK_register_item(2, &b, &table, &status);
+    // A cleared table is reused by the next registration.
     DS_Structure* before = table;
     EXPECT_EQ(VK_clear_registrations(table, &status), 1);
-    EXPECT_EQ(VK_get_id_registration(1, table, &status), nullptr);
-    EXPECT_EQ(VK_register_item(1, &c, &table, &status), 1);
+    EXPECT_EQ(VK_get_id_registration(5, table, &status), nullptr);
+    EXPECT_EQ(VK_register_item(5, &c, &table, &status), 1);
     EXPECT_EQ(table, before);
-    EXPECT_EQ(VK_get_id_registration(1, table, &status), &c);
+    EXPECT_EQ(VK_get_id_registration(5, table, &status), &c);
 }
 
 } // namespace
