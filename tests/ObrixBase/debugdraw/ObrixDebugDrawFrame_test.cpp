@@ -66,8 +66,6 @@ TEST(ObrixDebugDrawFrame, LayersKeepFirstUseOrderAndItemsRecordTheirSource) {
     ASSERT_EQ(frame.items().size(), 3u);
     EXPECT_EQ(frame.items()[1].layer, 1u);
     EXPECT_EQ(frame.items()[2].layer, 0u);
-    EXPECT_EQ(frame.items()[2].kind, Kind::Label);
-    EXPECT_EQ(frame.items()[2].text, "here");
     EXPECT_EQ(frame.items()[2].line, 3);
 
     // The origin is the centre of the bounds until one is set; clear forgets both.
