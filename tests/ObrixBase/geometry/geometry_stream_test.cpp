@@ -41,9 +41,6 @@ TEST(GeometryStream, EachClassPrintsItsWholeForm) {
     T4dDblMatrix m;
     m(3, 0) = 5;
     EXPECT_EQ(text(m), "[[1, 0, 0, 0], [0, 1, 0, 0], [0, 0, 1, 0], [5, 0, 0, 1]]");
-}
-
-TEST(GeometryStream, BoxesTransformsAndTheOtherValueClassesPrintTheirParts) {
     EXPECT_EQ(text(Tquaternion(0.5, 1, 2, 3)), "(0.5; 1, 2, 3)");
     EXPECT_EQ(text(Tscale(1, 2, 0)), "scale(1, 2, 0.0001)") << "the stored, guarded factor";
     EXPECT_EQ(text(Tplane(T4dDblPoint(0, 0, 2, 1), T4dDblVector(0, 0, 4))), "plane(<0, 0, 1>, -2)");

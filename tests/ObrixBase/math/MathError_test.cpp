@@ -12,15 +12,6 @@
 using obrix::test::MathErrorCapture;
 using obrix::test::ReportCapture;
 
-TEST(MathErrorHandler, DefaultHandlerReportsAndContinuesForZeroVec) {
-    ReportCapture reports;
-    DoubleVec empty;
-    empty.emptyErr("maxIndex");
-    EXPECT_EQ(reports.texts(),
-              (std::vector<std::string>{"** ", "[ZEROVEC: DoubleVec]: maxIndex: vector is empty",
-                                        ".\n", "** Processing continues.\n"}));
-}
-
 TEST(MathErrorHandler, SeverityRequestOverridesTheEntryDefault) {
     ReportCapture reports;
     // INDEX terminates by default; a request of 0 makes it continue.
