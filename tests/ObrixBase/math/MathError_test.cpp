@@ -23,7 +23,7 @@ TEST(MathErrorHandler, SeverityRequestOverridesTheEntryDefault) {
     EXPECT_TRUE(reports.reports().empty()) << "code 0 is ignored";
 }
 
-TEST(MathErrorHandlerDeathTest, TerminateClassAndUnknownErrorsAbortAfterTheMessage) {
+TEST(MathErrorHandlerDeathTest, TerminatingErrorsAbortAfterTheMessageEvenThroughABufferedStream) {
     EXPECT_DEATH(
         {
             DoubleVec v(3, 0.0);
@@ -33,6 +33,14 @@ TEST(MathErrorHandlerDeathTest, TerminateClassAndUnknownErrorsAbortAfterTheMessa
         "\\[INDEX: DoubleVec\\]: Index \\(-1\\) out of range \\[0->2\\]\n\\.\n"
         "\\*\\* Processing terminated\\.");
     EXPECT_DEATH(mathErrorRaise(std::uint16_t{0x7003}), "Error number 0x7003\\.");
+    // A fully buffered stderr (as when it is a pipe on some systems) must not swallow the
+    // message that explains the abort; a request to terminate overrides the entry's default.
+    EXPECT_DEATH(
+        {
+            std::setvbuf(stderr, nullptr, _IOFBF, 1 << 16);
+            mathErrorRaise(MathError{MATH_ZEROVEC, MATH_TERMINATE, 0}, "f", "g");
+        },
+        "\\[ZEROVEC: f\\]: g: vector is empty\n\\.\n\\*\\* Processing terminated");
 }
 
 TEST(MathErrorHandler, ReplacementHandlerSeesRecordAndFormattedArguments) {
@@ -90,17 +98,6 @@ TEST(MathCatalogues, CountedRegistrationLinksOnceAndUnlinksOnLastRelease) {
     EXPECT_EQ(counter, 0u);
     EXPECT_EQ(mathErrorFormat(0x9000), nullptr);
     EXPECT_NE(mathErrorFormat(MATH_INDEX), nullptr) << "other catalogues stay linked";
-}
-
-TEST(MathErrorHandlerDeathTest, DefaultHandlerFlushesBufferedStreamsBeforeAborting) {
-    // A fully buffered stderr (as when it is a pipe on some systems) must not swallow the
-    // message that explains the abort; a request to terminate overrides the entry's default.
-    EXPECT_DEATH(
-        {
-            std::setvbuf(stderr, nullptr, _IOFBF, 1 << 16);
-            mathErrorRaise(MathError{MATH_ZEROVEC, MATH_TERMINATE, 0}, "f", "g");
-        },
-        "\\[ZEROVEC: f\\]: g: vector is empty\n\\.\n\\*\\* Processing terminated");
 }
 
 TEST(MathErrorHandler, ThrowingHandlerCarriesMessageCodeAndResolvedSeverity) {
