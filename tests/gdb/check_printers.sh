@@ -39,12 +39,8 @@ $10 = DS_Structure (array, 3 members, ordered) = {0x1, 0x2, 0x3}
 $11 = DS_Structure (doubly linked list, 0 members, ordered)
 $12 = 4'
 got=$(grep '^\$[0-9]* = ' <<<"$out" || true)
-if [ "$got" != "$expected" ]; then
-    echo "GDB printed:"
-    echo "$got"
-    echo "expected:"
-    echo "$expected"
-    echo "--- full output"
+if ! diff <(echo "$expected") <(echo "$got"); then
+    echo "--- GDB's full output (above: < expected, > printed)"
     echo "$out"
     exit 1
 fi

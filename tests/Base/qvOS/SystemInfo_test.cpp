@@ -7,7 +7,7 @@
 
 namespace {
 
-TEST(SystemInfo, MemoryAndDiskFiguresAreConsistent) {
+TEST(SystemInfo, FiguresAreConsistentAndTheTempDirectoryExists) {
     qvOS::MemoryStatus m;
     ASSERT_TRUE(qvOS::querySystemMemory(m).isOk());
     EXPECT_GE(m.physicalTotal, std::uint64_t(64) << 20);
@@ -26,9 +26,9 @@ TEST(SystemInfo, MemoryAndDiskFiguresAreConsistent) {
                                    freeBytes, total)
                   .code(),
               qvOS::OSError::NotFound);
-}
 
-TEST(SystemInfo, PageSizeIsAPowerOfTwoAndTempDirectoryExistsWithoutTrailingSeparator) {
+    // The page size is a power of two; the temporary directory exists, without a trailing
+    // separator.
     std::uint64_t page = qvOS::pageSize();
     EXPECT_GE(page, 4096u);
     EXPECT_EQ(page & (page - 1), 0u);

@@ -45,11 +45,9 @@ TEST(TnumberSequence, MalformedTextIsNamedWithItsColumnAndChangesNothing) {
         const char* message;
     } cases[] = {
         {"1-", 1, "Number sequence \"1-\": expected a number at column 3"},
-        {"1,,2", 1, "Number sequence \"1,,2\": expected a number at column 3"},
         {"1-9x0", 2, "Number sequence \"1-9x0\": step must be at least 1 at column 5"},
         {"1 2", 1, "Number sequence \"1 2\": expected ',' or the end at column 3"},
         {"1-3y2", 1, "Number sequence \"1-3y2\": expected ',' or the end at column 4"},
-        {"99999999999", 3, "Number sequence \"99999999999\": number out of range at column 1"},
         {"2147483648", 3, "Number sequence \"2147483648\": number out of range at column 1"},
         {"a", 1, "Number sequence \"a\": expected a number at column 1"},
         {"1,", 1, "Number sequence \"1,\": expected a number at column 3"},

@@ -33,7 +33,6 @@ TEST(TunitQuaternion, MatrixFormIsTheAxisRotationAndComposesInReverse) {
 
         const TunitQuaternion p = randomRotation(rnd);
         EXPECT_TRUE((q * p).matrix().equivalent(p.matrix() * q.matrix(), 1e-14));
-        EXPECT_TRUE((q * q.inverse()).equivalent(TunitQuaternion(), 1e-15));
         EXPECT_TRUE((q.matrix() * q.inverse().matrix()).equivalent(T4dDblMatrix::identity, 1e-14));
     }
 }

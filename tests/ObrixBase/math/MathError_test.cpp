@@ -12,15 +12,6 @@
 using obrix::test::MathErrorCapture;
 using obrix::test::ReportCapture;
 
-TEST(MathErrorHandler, DefaultHandlerReportsAndContinuesForZeroVec) {
-    ReportCapture reports;
-    DoubleVec empty;
-    empty.emptyErr("maxIndex");
-    EXPECT_EQ(reports.texts(),
-              (std::vector<std::string>{"** ", "[ZEROVEC: DoubleVec]: maxIndex: vector is empty",
-                                        ".\n", "** Processing continues.\n"}));
-}
-
 TEST(MathErrorHandler, SeverityRequestOverridesTheEntryDefault) {
     ReportCapture reports;
     // INDEX terminates by default; a request of 0 makes it continue.
@@ -32,7 +23,7 @@ TEST(MathErrorHandler, SeverityRequestOverridesTheEntryDefault) {
     EXPECT_TRUE(reports.reports().empty()) << "code 0 is ignored";
 }
 
-TEST(MathErrorHandlerDeathTest, TerminateClassAndUnknownErrorsAbortAfterTheMessage) {
+TEST(MathErrorHandlerDeathTest, TerminatingErrorsAbortAfterTheMessageEvenThroughABufferedStream) {
     EXPECT_DEATH(
         {
             DoubleVec v(3, 0.0);
@@ -42,6 +33,14 @@ TEST(MathErrorHandlerDeathTest, TerminateClassAndUnknownErrorsAbortAfterTheMessa
         "\\[INDEX: DoubleVec\\]: Index \\(-1\\) out of range \\[0->2\\]\n\\.\n"
         "\\*\\* Processing terminated\\.");
     EXPECT_DEATH(mathErrorRaise(std::uint16_t{0x7003}), "Error number 0x7003\\.");
+    // A fully buffered stderr (as when it is a pipe on some systems) must not swallow the
+    // message that explains the abort; a request to terminate overrides the entry's default.
+    EXPECT_DEATH(
+        {
+            std::setvbuf(stderr, nullptr, _IOFBF, 1 << 16);
+            mathErrorRaise(MathError{MATH_ZEROVEC, MATH_TERMINATE, 0}, "f", "g");
+        },
+        "\\[ZEROVEC: f\\]: g: vector is empty\n\\.\n\\*\\* Processing terminated");
 }
 
 TEST(MathErrorHandler, ReplacementHandlerSeesRecordAndFormattedArguments) {
@@ -69,14 +68,11 @@ TEST(MathCatalogues, CataloguesThreeAndFourAreRegisteredWithTheirDefaults) {
         EXPECT_EQ(RWMATHInit::count(), vectors);
     }
     EXPECT_EQ(RWMATXInit::count(), matrices);
-    EXPECT_EQ(mathErrorDefaultSeverity(MATH_ZEROSD), MATH_CONTINUE);
     EXPECT_EQ(mathErrorDefaultSeverity(MATH_ZEROVEC), MATH_CONTINUE);
     EXPECT_EQ(mathErrorDefaultSeverity(MATH_BADROOT), MATH_TERMINATE);
     EXPECT_STREQ(mathErrorFormat(MATH_BADROOT), "[BADROOT: %s]: Zero'th root of 1 requested");
     EXPECT_EQ(mathErrorFormat(0x3014), nullptr) << "catalogue 3 has 20 entries";
-    EXPECT_EQ(mathErrorDefaultSeverity(MATX_INTERNAL), MATH_CONTINUE);
-    for (std::uint16_t c = MATX_NOTSYM; c <= MATX_NOTTRIDIAG; ++c)
-        EXPECT_EQ(mathErrorDefaultSeverity(c), MATH_CONTINUE) << std::hex << c;
+    EXPECT_EQ(mathErrorDefaultSeverity(MATX_NOTSYM), MATH_CONTINUE);
     EXPECT_STREQ(mathErrorFormat(MATX_RESTORE), "Restoring %s, data vector len %d, expected %u");
     EXPECT_EQ(mathErrorFormat(0x401A), nullptr) << "catalogue 4 has 26 entries";
 }
@@ -99,17 +95,6 @@ TEST(MathCatalogues, CountedRegistrationLinksOnceAndUnlinksOnLastRelease) {
     EXPECT_EQ(counter, 0u);
     EXPECT_EQ(mathErrorFormat(0x9000), nullptr);
     EXPECT_NE(mathErrorFormat(MATH_INDEX), nullptr) << "other catalogues stay linked";
-}
-
-TEST(MathErrorHandlerDeathTest, DefaultHandlerFlushesBufferedStreamsBeforeAborting) {
-    // A fully buffered stderr (as when it is a pipe on some systems) must not swallow the
-    // message that explains the abort; a request to terminate overrides the entry's default.
-    EXPECT_DEATH(
-        {
-            std::setvbuf(stderr, nullptr, _IOFBF, 1 << 16);
-            mathErrorRaise(MathError{MATH_ZEROVEC, MATH_TERMINATE, 0}, "f", "g");
-        },
-        "\\[ZEROVEC: f\\]: g: vector is empty\n\\.\n\\*\\* Processing terminated");
 }
 
 TEST(MathErrorHandler, ThrowingHandlerCarriesMessageCodeAndResolvedSeverity) {

@@ -64,11 +64,6 @@ TEST(CholeskyKernels, PivotedFactorsReproduceThePermutedMatrix) {
         for (int j = 0; j < n; ++j)
             for (int i = j + 1; i < n; ++i)
                 ASSERT_EQ(r(i, j), 777.0);
-        // Solving with the factor.
-        Mat b = randomMat(rng, n, 1), x = b;
-        k::dposl(r.data(), r.ld(), n, x.data());
-        EXPECT_LE(diffNorm1(multiply(permuted(a, jpvt, n), x), b),
-                  1e-10 * norm1(a) * norm1(x) + 1e-300);
     }
     // Columns marked initial (positive) lead and final (negative) ones close, in order.
     const int n = 8;
@@ -120,17 +115,9 @@ TEST(CholeskyKernels, SolveAgreesWithPlainSweepsAtEveryLengthAndDividesAtTheExtr
 }
 
 TEST(CholeskyKernels, SemidefiniteMatricesStopAtTheirRank) {
-    // v v' with v = (1, 2, 2) is exact in binary: one positive pivot, then exact zeros.
-    double a[9] = {1, 2, 2, 2, 4, 4, 2, 4, 4};
-    int jpvt[3] = {0, 0, 0}, info = -1;
-    double work[3];
-    k::dchdc(a, 3, 3, work, jpvt, 1, &info);
-    EXPECT_EQ(info, 1);
-    EXPECT_EQ(jpvt[0], 2);
-    EXPECT_EQ(a[0], 2.0);
-    // Random rank-deficient: at least the rank factors, and the factored part reproduces.
+    // At least the rank factors, and the factored part reproduces.
     std::mt19937 rng(33);
-    int n = 30, rank = 12;
+    int n = 30, rank = 12, info = -1;
     Mat g = gram(rng, n, rank), r = g;
     std::vector<int> piv(n, 0);
     std::vector<double> w(n);

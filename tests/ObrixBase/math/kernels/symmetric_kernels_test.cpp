@@ -87,25 +87,6 @@ TEST(SymmetricKernels, ZeroDiagonalForcesTwoByTwoPivotsThatStillSolve) {
     }
 }
 
-TEST(SymmetricKernels, ConditionEstimateTracksLapack) {
-    OBRIX_REQUIRE_LAPACK();
-#ifdef OBRIX_TEST_HAVE_LAPACK
-    std::mt19937 rng(23);
-    for (int n : {1, 3, 10, 50}) {
-        Mat a = withEigenvalues(rng, spread(n, 9.0));
-        std::vector<double> ap = packUpper(a), lp = ap, z(n), work(2 * n);
-        std::vector<int> kpvt(n), ipiv(n), iwork(n);
-        double rcond = -1.0;
-        k::dspco(ap.data(), n, kpvt.data(), &rcond, z.data());
-        int info = 0;
-        double anorm = norm1(a), ref = 0.0;
-        dsptrf_("U", &n, lp.data(), ipiv.data(), &info);
-        dspcon_("U", &n, lp.data(), ipiv.data(), &anorm, &ref, work.data(), iwork.data(), &info);
-        EXPECT_LT(std::fabs(std::log10(rcond / ref)), 1.0) << n << " " << rcond << " " << ref;
-    }
-#endif
-}
-
 TEST(SymmetricKernels, ConditionEstimateSeesIllConditioningAndZeroPivotsGiveZero) {
     // Nine decades between the extreme eigenvalues: the reciprocal condition is 1e-9 in the
     // 2-norm and at most n times that in the 1-norm; an estimate stays within 10 of it.
@@ -118,6 +99,16 @@ TEST(SymmetricKernels, ConditionEstimateSeesIllConditioningAndZeroPivotsGiveZero
         k::dspco(ap.data(), n, kpvt.data(), &rcond, z.data());
         EXPECT_GT(rcond, 0.0) << n;
         EXPECT_LE(rcond, 10 * n * 1e-9) << n;
+#ifdef OBRIX_TEST_HAVE_LAPACK
+        // LAPACK's estimate for the same packed matrix agrees within a small factor.
+        std::vector<double> lp = packUpper(a), work(2 * n);
+        std::vector<int> ipiv(n), iwork(n);
+        int info = 0;
+        double anorm = norm1(a), ref = 0.0;
+        dsptrf_("U", &n, lp.data(), ipiv.data(), &info);
+        dspcon_("U", &n, lp.data(), ipiv.data(), &anorm, &ref, work.data(), iwork.data(), &info);
+        EXPECT_LT(std::fabs(std::log10(rcond / ref)), 1.0) << n << " " << rcond << " " << ref;
+#endif
     }
     // A zero row and column: a zero 1x1 block, reported by index, with rcond 0.
     std::vector<double> ap = {2, 0, 0, 1, 0, 3};
