@@ -273,6 +273,19 @@ TEST_F(RemoteTier, AWrongPasswordLeavesTheCacheLocalWithOneWarning) {
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 1);
 }
 
+// The size a converted texture or a tessellation reaches: 25 chunks through the tier.
+TEST_F(RemoteTier, A100MBFileRoundTripsByteForByte) {
+    const std::string big = content(100u << 20, 2);
+    FileCache a, b;
+    ASSERT_TRUE(a.initialize(one.str(), 0, 0).isOk());
+    ASSERT_TRUE(add(a, "big", big));
+    ASSERT_FALSE(waitForManifest("big").empty());
+    ASSERT_TRUE(b.initialize(two.str(), 0, 0).isOk());
+    auto item = b.find("big");
+    ASSERT_TRUE(item);
+    EXPECT_TRUE(read(item->path()) == big);
+}
+
 // Damage of every kind is a miss, leaves no temporary behind and takes the object off the
 // server, so that the next workstation to make the file stores it afresh.
 TEST_F(RemoteTier, CorruptOrIncompleteObjectsAreMissesAndAreDeleted) {
