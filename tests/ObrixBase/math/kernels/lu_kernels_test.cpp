@@ -13,6 +13,8 @@ using namespace obrix::test;
 
 namespace {
 
+#ifdef OBRIX_TEST_HAVE_LAPACK
+// The upper triangle, U of a packed LU: only the LAPACK comparison reads the factors whole.
 Mat upper(const Mat& a) {
     Mat u(a.rows, a.cols);
     for (int j = 0; j < a.cols; ++j)
@@ -20,6 +22,7 @@ Mat upper(const Mat& a) {
             u(i, j) = a(i, j);
     return u;
 }
+#endif
 
 // A known spread of singular values: eigenvalues of a symmetric matrix, alternating in sign,
 // from 1 down to 1e-8.
